@@ -1,0 +1,186 @@
+// The steps of a job as lines that a user could type.
+// Knows the language of prompts; the job knows their order.
+#include "apps/tarnex/jobsteps.h"
+
+#include <algorithm>
+
+#include "contour/geometrylibrary.h"
+#include "host/display/svg.h"
+#include "host/platform/format.h"
+#include "pathcmd/paths.h"
+#include "toolpath/display.h"
+
+namespace tarnex {
+
+namespace {
+
+bool sameName(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return std::tolower(x) == std::tolower(y); });
+}
+
+bool listed(const std::vector<std::string>& names, const std::string& name) {
+  return std::any_of(names.begin(), names.end(), [&](const auto& n) { return sameName(n, name); });
+}
+
+}  // namespace
+
+std::vector<AcDbObjectId> JobSteps::shown() const {
+  std::vector<AcDbObjectId> ids;
+  for (AcDbObjectId id : session_.drawing().modelSpaceEntities())
+    if (const auto* entity = session_.drawing().peek<AcDbEntity>(id);
+        entity && session_.drawing().isShown(*entity))
+      ids.push_back(id);
+  return ids;
+}
+
+template <class T>
+std::vector<AcDbObjectId> JobSteps::shownOf() const {
+  auto ids = shown();
+  std::erase_if(ids, [&](AcDbObjectId id) { return !session_.drawing().peek<T>(id); });
+  return ids;
+}
+
+bool JobSteps::hasPaths() const {
+  return !shownOf<CToolPath>().empty();
+}
+
+std::string JobSteps::named(const std::vector<AcDbObjectId>& ids) const {
+  std::string line;
+  for (AcDbObjectId id : ids) {
+    if (!line.empty()) line += ' ';
+    line += formatted("&%llX",
+                      static_cast<unsigned long long>(session_.drawing().peek<AcDbObject>(id)->handle()));
+  }
+  return line;
+}
+
+bool JobSteps::chooseLayers(const std::vector<std::string>& only, const std::vector<std::string>& skip,
+                            std::vector<std::string>& said) {
+  AcDbDatabase& drawing = session_.drawing();
+  bool any = only.empty();
+  for (AcDbObjectId id : drawing.layers()) {
+    const auto* layer = drawing.peek<AcDbLayerTableRecord>(id);
+    if (!layer) continue;
+    const std::string& name = layer->getName();
+    const bool wanted = (only.empty() || listed(only, name)) && !listed(skip, name);
+    any = any || wanted;
+    if (!wanted && !layer->isOff()) turnedOff_.push_back(name);
+  }
+  for (const auto& name : only)
+    if (drawing.layer(name).isNull()) said.push_back("there is no layer \"" + name + "\"");
+  for (const auto& name : turnedOff_) session_.run({"layer off", name, ""});
+  return any && (only.empty() || !shown().empty());
+}
+
+void JobSteps::restoreLayers() {
+  for (const auto& name : turnedOff_) session_.run({"layer on", name, ""});
+  turnedOff_.clear();
+}
+
+void JobSteps::takeBlocksApart(std::vector<std::string>& said) {
+  constexpr int kDeepest = 64;  // blocks in blocks; a drawing that nests deeper isn't a part
+  std::size_t count = 0;
+  for (int depth = 0; depth < kDeepest; ++depth) {
+    const auto inserts = shownOf<AcDbBlockReference>();
+    if (inserts.empty()) break;
+    count += inserts.size();
+    session_.run({"explode", named(inserts), ""});
+    if (shownOf<AcDbBlockReference>() == inserts) break;  // what can't be taken apart stays
+  }
+  if (count > 0) said.push_back(formatted("%zu block references taken apart", count));
+  std::vector<AcDbObjectId> open = shownOf<AcDb2dPolyline>();
+  std::erase_if(open,
+                [&](AcDbObjectId id) { return session_.drawing().peek<AcDb2dPolyline>(id)->isClosed(); });
+  if (!open.empty()) session_.run({"explode", named(open), ""});
+}
+
+void JobSteps::joinLooseCurves(bool clean, std::optional<double> gap, std::vector<std::string>& said) {
+  const std::size_t before = shown().size();
+  if (clean) {
+    session_.run({"scc", "all", ""});
+    said.push_back(formatted("cleaned: %zu entities less", before - shown().size()));
+  }
+  if (const auto splines = shownOf<AcDbSpline>(); !splines.empty()) session_.run({"s2p", named(splines), ""});
+  const bool loose = !shownOf<AcDbLine>().empty() || !shownOf<AcDbArc>().empty() ||
+                     !shownOf<AcDbEllipse>().empty() || !shownOf<AcDbPolyline>().empty();
+  if (loose) session_.run({"AJ", "all", "", shortestNumber(gap.value_or(kSamePoint))});
+}
+
+void JobSteps::makePaths(const std::vector<const SurveyedContour*>& contours, int side) {
+  if (contours.empty()) return;
+  std::vector<AcDbObjectId> ids;
+  for (const auto* c : contours) ids.push_back(c->id);
+  // The point where a window begins must hit nothing.
+  const Extents2d all = session_.drawing().drawingExtents();
+  const double out = std::max((all.high - all.low).length(), 1.0);
+  session_.run(
+      {formatted("SET nSide %d", side), "BP",
+       formatted("*%s,%s", shortestNumber(all.low.x - out).c_str(), shortestNumber(all.low.y - out).c_str()),
+       named(ids), ""});
+}
+
+std::size_t JobSteps::mendOrder() {
+  const auto list = session_.module().state<PathState>().PathList;
+  const std::vector<AcDbObjectId> wanted = insideFirst(session_.drawing(), list);
+  std::size_t moved = 0;
+  for (std::size_t i = 0; i < list.size(); ++i) moved += list[i] != wanted[i] ? 1 : 0;
+  if (moved == 0) return 0;
+  std::vector<std::string> lines{"CS"};
+  for (AcDbObjectId id : wanted) lines.push_back(named({id}));
+  lines.push_back("");
+  session_.run(lines);
+  return moved;
+}
+
+std::string JobSteps::whatIsThere(const DxfReport& read, const ContourSurvey& found) const {
+  if (!found.open.empty())
+    return formatted("%zu chains, none of them closed (the first from %.3f,%.3f to %.3f,%.3f)",
+                     found.open.size(), found.open[0].from.x, found.open[0].from.y, found.open[0].to.x,
+                     found.open[0].to.y);
+  std::string kinds;
+  for (const auto& [name, count] : read.entities) {
+    const auto inModel = read.modelSpace.find(name);
+    kinds += (kinds.empty() ? "" : ", ") + std::to_string(count) + " " + name;
+    if (inModel == read.modelSpace.end()) kinds += " (none in model space)";
+  }
+  if (kinds.empty()) return "the drawing is empty";
+  return "the drawing holds " + kinds;
+}
+
+std::string sentenceOf(const WireWarning& w) {
+  const std::string where = formatted("path %d at %.3f,%.3f: ", w.path, w.at.x, w.at.y);
+  switch (w.trouble) {
+    case WireTrouble::kRadiusBelowOffset:
+      return where + formatted("radius %.3f mm is below the wire offset of %.3f mm", w.value, w.limit);
+    case WireTrouble::kVanished:
+      return where + formatted("vanishes under its wire offset of %.3f mm", w.limit);
+    case WireTrouble::kFallsApart:
+      return where +
+             formatted(
+                 "falls into %.0f parts under its wire offset of %.3f mm, only the one at the entry is cut",
+                 w.value, w.limit);
+    case WireTrouble::kOwnMethod:
+      return where + "the offset was made corner by corner, look at it before cutting";
+    case WireTrouble::kCutsNeighbour:
+      return where + formatted("the wire comes within %.3f mm of path %d, its offset is %.3f mm", w.value,
+                               w.other, w.limit);
+    case WireTrouble::kLeadInCrosses:
+      return where + formatted("the lead-in crosses path %d", w.other);
+  }
+  return where;
+}
+
+std::optional<FileError> plotPaths(Session& session, const std::string& path) {
+  Module& module = session.module();
+  PathDisplay display;
+  display.settings = &module.settings;
+  display.ptOrigin = module.drawing().ucsorg;
+  display.pathCount = static_cast<int>(module.state<PathState>().PathList.size());
+  readTransitChains(module.drawing(), display);
+  DisplayOptions options;
+  options.applicationContext = &display;
+  return writeSvg(path, buildDisplayList(module.drawing(), options));
+}
+
+}  // namespace tarnex

@@ -1,0 +1,49 @@
+// The steps of a job as lines that a user could type.
+// Knows the language of prompts; the job knows their order.
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "apps/tarnex/session.h"
+#include "contour/survey.h"
+#include "host/dxf/dxf.h"
+#include "host/platform/files.h"
+#include "pathcmd/wiresurvey.h"
+
+namespace tarnex {
+
+class JobSteps {
+ public:
+  explicit JobSteps(Session& session) : session_(session) {}
+
+  // Turns off what isn't wanted. False when nothing is left of a list of layers.
+  bool chooseLayers(const std::vector<std::string>& only, const std::vector<std::string>& skip,
+                    std::vector<std::string>& said);
+  void restoreLayers();
+  void takeBlocksApart(std::vector<std::string>& said);
+  // Cleaning, splines to chords, then everything that touches becomes one polyline.
+  void joinLooseCurves(bool clean, std::optional<double> gap, std::vector<std::string>& said);
+  void makePaths(const std::vector<const SurveyedContour*>& contours, int side);
+  // Brings paths that lie inside another in front of it; how many paths stood wrong.
+  std::size_t mendOrder();
+
+  [[nodiscard]] std::vector<AcDbObjectId> shown() const;  // model space entities that a selection would take
+  [[nodiscard]] bool hasPaths() const;
+  [[nodiscard]] std::string whatIsThere(const DxfReport& read, const ContourSurvey& found) const;
+
+ private:
+  std::string named(const std::vector<AcDbObjectId>& ids) const;  // "&1F &20 ..."
+  template <class T>
+  std::vector<AcDbObjectId> shownOf() const;
+
+  Session& session_;
+  std::vector<std::string> turnedOff_;
+};
+
+[[nodiscard]] std::string sentenceOf(const WireWarning& warning);
+[[nodiscard]] std::optional<FileError> plotPaths(Session& session, const std::string& path);
+
+}  // namespace tarnex

@@ -1,0 +1,14 @@
+// What a job tells its user: a summary in words, or all of it as JSON.
+// Knows results; nothing is decided here.
+#pragma once
+
+#include <string>
+
+#include "apps/tarnex/job3b.h"
+
+namespace tarnex {
+
+[[nodiscard]] std::string summaryOf(const Job3bResult& result);
+[[nodiscard]] std::string jsonOf(const Job3bResult& result);
+
+}  // namespace tarnex

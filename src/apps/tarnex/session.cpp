@@ -1,0 +1,38 @@
+// One editor with the application in it.
+// Knows where output goes; no command line.
+#include "apps/tarnex/session.h"
+
+#include "host/platform/files.h"
+
+namespace tarnex {
+
+JobFolder::JobFolder(const std::string& installFolder) : path_(temporaryFolder("tarnex-job")) {
+  for (const char* name : {"WireCut.set", "KZS", "Harbec.DLL", "Quillet.arx", "Brenlow.exe"}) {
+    const std::string from = realPath(installFolder + "\\" + name);
+    if (isFolder(from))
+      (void)copyTree(from, path_ + "/" + name);
+    else if (auto bytes = fileExists(from) ? readFile(from) : FileResult<std::string>{})
+      (void)writeFileAtomically(path_ + "/" + name, *bytes);
+  }
+}
+
+JobFolder::~JobFolder() {
+  (void)removeTree(path_);
+}
+
+Session::Session(std::unique_ptr<OutputSink> sink, const std::string& installFolder)
+    : editor(std::move(sink)), application(editor, {installFolder, std::nullopt}) {
+  application.acrxEntryPoint(AppMessage::kInitAppMsg);
+}
+
+Session::~Session() {
+  application.acrxEntryPoint(AppMessage::kUnloadAppMsg);
+}
+
+bool Session::run(const std::vector<std::string>& lines) {
+  script.insert(script.end(), lines.begin(), lines.end());
+  editor.pushInput(std::make_shared<QueueInput>(lines));
+  return editor.runLoop() == 0;
+}
+
+}  // namespace tarnex

@@ -1,0 +1,49 @@
+// One editor with the application in it: what every subcommand works with.
+// Knows where output goes; no command line.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/editor/editor.h"
+#include "module/application.h"
+
+namespace tarnex {
+
+// Output kept in memory: what a batch says is told when its drawing is done.
+class StringSink : public OutputSink {
+ public:
+  void print(std::string_view utf8) override { text += utf8; }
+  std::string text;
+};
+
+// A folder of its own with copies of the user's settings and machine files, so that a job's values stay with
+// the job.
+class JobFolder {
+ public:
+  explicit JobFolder(const std::string& installFolder);
+  JobFolder(const JobFolder&) = delete;
+  JobFolder& operator=(const JobFolder&) = delete;
+  ~JobFolder();
+  [[nodiscard]] const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+class Session {
+ public:
+  Session(std::unique_ptr<OutputSink> sink, const std::string& installFolder);
+  ~Session();
+  // Runs lines as a script would give them; they are kept in `script`. False when a command failed.
+  bool run(const std::vector<std::string>& lines);
+  [[nodiscard]] AcDbDatabase& drawing() { return editor.database(); }
+  [[nodiscard]] Module& module() { return application.module(); }
+
+  AcEditor editor;
+  Application application;
+  std::vector<std::string> script;
+};
+
+}  // namespace tarnex

@@ -1,0 +1,122 @@
+// The candidates of a chain and the index of their ends: buckets of grid cells.
+// Knows points and order only.
+#include <algorithm>
+#include <cmath>
+
+#include "contour/chaining.h"
+
+namespace tarnex {
+
+std::int64_t ChainCandidates::cellOf(double v) const {
+  const double c = std::floor(v / cell_);
+  return static_cast<std::int64_t>(std::clamp(c, -9e15, 9e15));
+}
+
+std::size_t ChainCandidates::bucketOf(std::int64_t cellX, std::int64_t cellY) const {
+  const auto h = static_cast<std::uint64_t>(cellX) * 0x9E3779B97F4A7C15ull ^
+                 static_cast<std::uint64_t>(cellY) * 0xC2B2AE3D27D4EB4Full;
+  return (h ^ h >> 29) & (buckets_.size() - 1);
+}
+
+void ChainCandidates::link(std::uint32_t entry, int end) {
+  Entry& e = entries_[entry];
+  const std::size_t b = bucketOf(cellOf(e.ends[end].x), cellOf(e.ends[end].y));
+  e.next[end] = buckets_[b];
+  buckets_[b] = static_cast<std::int32_t>(entry * 2 + static_cast<std::uint32_t>(end));
+}
+
+void ChainCandidates::rebuild() {
+  std::erase_if(entries_, [](const Entry& e) { return !e.alive; });
+  if (!inOrder_)
+    std::stable_sort(entries_.begin(), entries_.end(), [](auto& a, auto& b) { return a.order < b.order; });
+  inOrder_ = true;
+  firstAlive_ = 0;
+  Extents2d box;
+  for (const Entry& e : entries_)
+    for (AcGePoint2d p : e.ends) box.add(p);
+  // About one end a cell, and never finer than the reach of a query.
+  if (!box.empty())
+    cell_ = std::max({(box.high - box.low).length() / std::sqrt(2.0 * static_cast<double>(entries_.size())),
+                      finest_, roundoff(std::max(std::abs(box.low.x), std::abs(box.high.y))), 1e-9});
+  std::size_t count = 64;
+  while (count < entries_.size() * 4) count *= 2;
+  buckets_.assign(count, -1);
+  for (std::uint32_t i = 0; i < entries_.size(); ++i) {
+    slots_[entries_[i].id.index] = i;
+    link(i, 0);
+    link(i, 1);
+  }
+}
+
+void ChainCandidates::add(AcDbObjectId id, AcGePoint2d start, AcGePoint2d end, std::uint64_t order) {
+  if (contains(id)) remove(id);
+  if (!entries_.empty() && order < entries_.back().order) inOrder_ = false;
+  Entry e;
+  e.id = id;
+  e.order = order;
+  e.ends[0] = start;
+  e.ends[1] = end;
+  entries_.push_back(e);
+  const auto slot = static_cast<std::uint32_t>(entries_.size() - 1);
+  slots_[id.index] = slot;
+  if (entries_.size() * 2 > buckets_.size()) {
+    rebuild();
+  } else {
+    link(slot, 0);
+    link(slot, 1);
+  }
+}
+
+void ChainCandidates::remove(AcDbObjectId id) {
+  const auto found = slots_.find(id.index);
+  if (found == slots_.end()) return;
+  entries_[found->second].alive = false;
+  slots_.erase(found);
+}
+
+AcDbObjectId ChainCandidates::first() const {
+  if (!inOrder_) {
+    const auto all = remaining();
+    return all.empty() ? AcDbObjectId{} : all.front();
+  }
+  while (firstAlive_ < entries_.size() && !entries_[firstAlive_].alive) ++firstAlive_;
+  return firstAlive_ < entries_.size() ? entries_[firstAlive_].id : AcDbObjectId{};
+}
+
+void ChainCandidates::touching(AcGePoint2d p, double tolerance, std::vector<AcDbObjectId>& found) {
+  found.clear();
+  if (buckets_.empty()) return;
+  if (tolerance > 2 * cell_) {
+    finest_ = tolerance;
+    rebuild();
+  }
+  std::vector<const Entry*> hits;
+  std::vector<std::size_t> visited;
+  for (std::int64_t cx = cellOf(p.x - tolerance); cx <= cellOf(p.x + tolerance); ++cx)
+    for (std::int64_t cy = cellOf(p.y - tolerance); cy <= cellOf(p.y + tolerance); ++cy) {
+      const std::size_t b = bucketOf(cx, cy);
+      if (std::find(visited.begin(), visited.end(), b) != visited.end()) continue;
+      visited.push_back(b);
+      for (std::int32_t at = buckets_[b]; at >= 0;) {
+        const Entry& e = entries_[static_cast<std::size_t>(at / 2)];
+        if (e.alive && e.ends[at % 2].distanceTo(p) <= tolerance) hits.push_back(&e);
+        at = e.next[at % 2];
+      }
+    }
+  std::sort(hits.begin(), hits.end(),
+            [](auto* a, auto* b) { return a->order != b->order ? a->order < b->order : a < b; });
+  hits.erase(std::unique(hits.begin(), hits.end()), hits.end());
+  for (const Entry* e : hits) found.push_back(e->id);
+}
+
+std::vector<AcDbObjectId> ChainCandidates::remaining() const {
+  std::vector<const Entry*> alive;
+  for (const Entry& e : entries_)
+    if (e.alive) alive.push_back(&e);
+  std::stable_sort(alive.begin(), alive.end(), [](auto* a, auto* b) { return a->order < b->order; });
+  std::vector<AcDbObjectId> ids;
+  for (const Entry* e : alive) ids.push_back(e->id);
+  return ids;
+}
+
+}  // namespace tarnex

@@ -1,0 +1,65 @@
+// Loose curves become the one polyline that a path is built from: candidates are collected, walked end to end
+// from a seed, small gaps closed by trimming, and the chain replaced by one polyline. Knows entities and
+// their ends; whether a contour has to be closed is its users' rule.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "frame/module.h"
+
+namespace tarnex {
+
+// The curves that may join a chain, in the order of the selection set they came from, with an index of their
+// ends: one step of a chain doesn't grow with the drawing, and the first in order still wins.
+class ChainCandidates {
+ public:
+  void add(AcDbObjectId id, AcGePoint2d start, AcGePoint2d end, std::uint64_t order);
+  void remove(AcDbObjectId id);
+  [[nodiscard]] bool contains(AcDbObjectId id) const { return slots_.count(id.index) != 0; }
+  [[nodiscard]] std::size_t size() const { return slots_.size(); }
+  [[nodiscard]] AcDbObjectId first() const;  // null when there are none
+  // Candidates with an end within `tolerance` of p (inclusive), in order. Fills `found`.
+  void touching(AcGePoint2d p, double tolerance, std::vector<AcDbObjectId>& found);
+  [[nodiscard]] std::vector<AcDbObjectId> remaining() const;  // in order
+
+ private:
+  struct Entry {
+    AcDbObjectId id;
+    std::uint64_t order = 0;
+    AcGePoint2d ends[2];
+    std::int32_t next[2] = {-1, -1};  // chains of the buckets
+    bool alive = true;
+  };
+  [[nodiscard]] std::size_t bucketOf(std::int64_t cellX, std::int64_t cellY) const;
+  [[nodiscard]] std::int64_t cellOf(double v) const;
+  void link(std::uint32_t entry, int end);
+  void rebuild();
+
+  std::vector<Entry> entries_;
+  std::unordered_map<std::uint32_t, std::uint32_t> slots_;  // id index -> entry
+  std::vector<std::int32_t> buckets_;
+  double cell_ = 1.0, finest_ = 0;  // mm
+  mutable std::size_t firstAlive_ = 0;
+  bool inOrder_ = true;
+};
+
+// Fills `candidates` from the set, in set order, and changes the drawing on the way: open two-vertex
+// polylines become lines or arcs, ellipses polylines; neighbouring vertices nearer than 0.001 become one.
+// Returns how many there are.
+std::size_t collectChainCandidates(AcEditor& editor, const SelectionSet& set, ChainCandidates& candidates);
+
+// Builds the chain from the seed with everything within `tolerance` mm of its free ends; joined entities are
+// erased and leave `candidates`. The new polyline has the seed's layer and colour. Nothing: the seed is no
+// line, arc or polyline that can be opened. A polyline whose ends meet is closed in place and is its own
+// result. A gap between nearly parallel spans isn't closed by trimming where that would turn a span about.
+[[nodiscard]] std::optional<AcDbObjectId> joinCurves(AcEditor& editor, AcDbObjectId seed,
+                                                     ChainCandidates& candidates, double tolerance);
+
+void removeCoincidentVertices(AcDbPolyline& polyline);
+
+// Turns the entity into a polyline, chaining it with what it touches in the whole drawing; `id` is replaced
+// where a new entity was made. False: it can't be done (told where the user can act on it).
+[[nodiscard]] bool prepareContour(Module& module, AcDbObjectId& id);
+
+}  // namespace tarnex

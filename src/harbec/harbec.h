@@ -1,0 +1,30 @@
+// The entry points of the dialog library, as they are found by name.
+// Knows the settings file and the form frame; commands and drawings are nothing to it.
+#pragma once
+
+#include <string>
+
+#include "host/editor/form.h"
+
+// Each shows one form over `WireCut.set` of the frame's install folder. A confirmed form is checked; values
+// outside their range, and a file that can't be written, are told through the frame and count as not
+// confirmed: the file is then as it was. The file must hold the values to start from before the call, and has
+// the user's after it.
+extern "C" {
+
+// Settings of automatic path making. Mode 0; mode 1, the job menu's, isn't built: it says so and gives 0.
+// The fit clearance isn't asked for: reading the file drops it, so that what was typed would be lost. It is set on paths
+// that stand. Not 0: confirmed.
+[[gnu::visibility("default")]] int SetDlg(tarnex::DialogFrame* frame, int mode);
+
+// Settings of paths whose threading and entry points the user gives. Not 0: confirmed.
+[[gnu::visibility("default")]] int SetMDlg(tarnex::DialogFrame* frame);
+
+// The machine and the options of a 3B program. `machine` comes in with the name that stands (empty: none) and
+// goes out with the chosen one, which also becomes `sMachineKZS` when that field holds its whole name. A name
+// that stands but isn't in the machine file stays a choice. 1: confirmed, 0: cancelled.
+[[gnu::visibility("default")]] int PKZSDlg(tarnex::DialogFrame* frame, std::string* machine);
+
+// What duplicate removal takes away. Not 0: confirmed.
+[[gnu::visibility("default")]] int DupDlg(tarnex::DialogFrame* frame);
+}

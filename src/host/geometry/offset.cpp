@@ -1,0 +1,33 @@
+// The offset of a contour: the quick road where nothing collapses, trimming where something does.
+// Knows spans and bulges only; lead-ins, sides and passes are above it.
+#include "host/geometry/offset.h"
+
+#include "host/geometry/offset_plain.h"
+#include "host/geometry/offset_trim.h"
+
+namespace tarnex {
+
+namespace {
+
+void moveTo(PolylineCurve& c, AcGeVector2d origin) {
+  for (BulgeVertex& v : c.vertices) v.point = v.point + origin;
+}
+
+}  // namespace
+
+std::optional<std::vector<PolylineCurve>> offsetCurves(std::span<const BulgeVertex> path, double distance) {
+  const auto source = offsets::readSource(path, distance);
+  if (!source) return std::nullopt;
+  const auto joints = offsets::solveJoints(*source, distance);
+  std::optional<std::vector<PolylineCurve>> curves;
+  if (auto plain = offsets::plainOffset(*source, joints, distance)) {
+    curves.emplace().push_back(std::move(*plain));
+  } else {
+    curves = offsets::trimmedOffset(*source, joints, distance);
+  }
+  if (curves)
+    for (PolylineCurve& c : *curves) moveTo(c, source->origin);
+  return curves;
+}
+
+}  // namespace tarnex

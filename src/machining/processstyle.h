@@ -1,0 +1,33 @@
+// How a figure is cut on a slow-wire machine: its passes with offset, condition and taper.
+// Knows the values; who reads or writes them is above it.
+#pragma once
+
+#include <array>
+#include <string>
+
+namespace tarnex {
+
+struct PassRecord {
+  std::string sCode;   // offset number, at most 7 bytes
+  double dValue1 = 0;  // wire offset of the pass, mm
+  std::string sSub1;   // condition number, at most 4 bytes
+  std::string sSub2;   // carried, at most 10 bytes
+  double dValue2 = 0;
+  bool operator==(const PassRecord&) const = default;
+};
+
+inline constexpr int kMostPasses = 10;
+
+struct ProcessStyle {
+  std::string sName = "STYLE1";  // at most 23 bytes
+  double dValueC = 0, dValueD = 0;
+  int nPassLast = 0;  // number of passes less one; writers take the absolute value
+  double dValueA = 0, dValueB = 0;
+  int nCode = 700;  // colour * 100 + kind
+  std::array<PassRecord, kMostPasses> passes;
+  std::array<double, kMostPasses> passOffset{};  // taper of each pass, degrees
+  ProcessStyle();
+  bool operator==(const ProcessStyle&) const = default;
+};
+
+}  // namespace tarnex

@@ -1,0 +1,100 @@
+// The 71 commands in registration order.
+// Knows the commands of every room by their headers.
+#include "module/commandtable.h"
+
+#include "aids/duplicates.h"
+#include "contour/approximation.h"
+#include "output3b/programwriter.h"
+#include "pathcmd/makepath.h"
+
+namespace tarnex {
+
+namespace {
+
+void doesNothing(Module&) {}  // a name that older menus still send
+
+// Modal, transparent, transparent with the pick set.
+constexpr int kModal = 0, kTransparent = 1, kPickSet = 3;
+
+constexpr CommandRow kRows[] = {
+    {"NC", "NC", kModal, nullptr},
+    {"TCF", "TCF", kModal, nullptr},
+    {"TK", "TK", kModal, nullptr},
+    {"AC", "AC", kModal, nullptr},
+    {"AF", "AF", kModal, nullptr},
+    {"BP", "BP", kModal, &BP},
+    {"BM", "BM", kModal, &BM},
+    {"BK", "BK", kModal, nullptr},
+    {"BB", "BB", kModal, &BB},
+    {"GK", "GK", kModal, nullptr},
+    {"GG", "GG", kModal, nullptr},
+    {"GA", "GA", kModal, nullptr},
+    {"GT", "GT", kModal, nullptr},
+    {"CD", "CD", kModal, nullptr},
+    {"CM", "CM", kModal, nullptr},
+    {"CS", "CS", kModal, &CS},
+    {"CX", "CX", kModal, nullptr},
+    {"DB", "DB", kModal, nullptr},
+    {"QQ", "QQ", kModal, nullptr},
+    {"XD", "XD", kModal, nullptr},
+    {"XD0", "XD0", kModal, nullptr},
+    {"SR", "SR", kModal, nullptr},
+    {"SR0", "SR0", kModal, nullptr},
+    {"HZ", "HZ", kModal, nullptr},
+    {"s2p", "s2p", kModal, &s2p},
+    {"e2p", "e2p", kModal, &e2p},
+    {"DD", "DD", kModal, nullptr},
+    {"AO", "AO", kModal, nullptr},
+    {"AI", "AI", kModal, nullptr},
+    {"Vorn", "Vorn", kModal, nullptr},
+    {"SIM", "SIM", kModal, nullptr},
+    {"JX", "JX", kModal, nullptr},
+    {"3BIN", "3BIN", kModal, nullptr},
+    {"QD", "QD", kModal, nullptr},
+    {"ZD", "ZD", kModal, nullptr},
+    {"QZ", "QZ", kModal, nullptr},
+    {"GY", "GY", kModal, nullptr},
+    {"JG", "JG", kModal, nullptr},
+    {"JGB", "JGB", kModal, nullptr},
+    {"CL", "CL", kModal, nullptr},
+    {"BZ", "BZ", kModal, nullptr},
+    {"WZ", "WZ", kModal, nullptr},
+    {"PrintMoney", "PrintMoney", kModal, &doesNothing},
+    {"D1", "D1", kModal, nullptr},
+    {"SXY", "SXY", kModal, nullptr},
+    {"USERVAR", "USERVAR", kModal, &USERVAR},
+    {"TTT", "TTT", kModal, &TTT},
+    {"P2C", "P2C", kModal, nullptr},
+    {"SV", "SV", kModal, nullptr},
+    {"L1", "L1", kModal, nullptr},
+    {"kk", "oo", kTransparent, nullptr},
+    {"gg", "cc", kTransparent, nullptr},
+    {"k1", "o1", kTransparent, nullptr},
+    {"g1", "c1", kTransparent, nullptr},
+    {"k2", "o2", kTransparent, nullptr},
+    {"g2", "c2", kTransparent, nullptr},
+    {"sw", "et", kTransparent, nullptr},
+    {"sb", "ed", kTransparent, nullptr},
+    {"sy1", "ec1", kTransparent, nullptr},
+    {"sy", "ec", kTransparent, nullptr},
+    {"ls1", "zl", kPickSet, nullptr},
+    {"Y", "YY", kPickSet, nullptr},
+    {"TT", "TT", kPickSet, nullptr},
+    {"scc", "scc", kPickSet, &scc},
+    {"RR", "RR", kPickSet, &RR},
+    {"AJ", "AJ", kPickSet, &AJ},
+    {"AJ1", "AJ1", kPickSet, &AJ1},
+    {"ck", "wd", kPickSet, nullptr},
+    {"dq", "cv", kPickSet, nullptr},
+    {"fx", "sd", kPickSet, nullptr},
+    {"sx", "ms", kPickSet, nullptr},
+};
+static_assert(std::size(kRows) == 71);
+
+}  // namespace
+
+std::span<const CommandRow> commandTable() {
+  return kRows;
+}
+
+}  // namespace tarnex

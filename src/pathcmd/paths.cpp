@@ -1,0 +1,145 @@
+// List, numbers and order of the paths.
+// Knows path entities, and nothing of how they were made.
+#include "pathcmd/paths.h"
+
+#include <algorithm>
+
+#include "frame/drawingvars.h"
+
+namespace tarnex {
+
+namespace {
+
+constexpr double kFarAway = 99999.0;   // mm; no path farther than this is the nearest
+constexpr double kSameLength = 0.001;  // mm
+
+const CToolPath* pathAt(AcDbDatabase& drawing, AcDbObjectId id) {
+  const auto* path = drawing.peek<CToolPath>(id);
+  return path && path->numVerts() > 0 ? path : nullptr;
+}
+
+std::optional<AcGePoint2d> startOf(AcDbDatabase& drawing, AcDbObjectId id) {
+  const auto* path = pathAt(drawing, id);
+  return path ? std::optional(path->getPointAt(0)) : std::nullopt;
+}
+
+void readDisplayValues(Module& module) {
+  const DrawingVars vars(module.drawing());
+  auto& s = module.settings;
+  const auto real = [&](const char* key, double& field) { field = vars.getDouble(key).value_or(field); };
+  const auto whole = [&](const char* key, std::int32_t& field) { field = vars.getInt(key).value_or(field); };
+  real("VORN_SHOW_dTextHeight", s.dTextHeight);
+  whole("VORN_SHOW_bShowArrow", s.bShowArrow);
+  real("VORN_SHOW_dArrowLen", s.dArrowLen);
+  whole("VORN_SHOW_bShowTool", s.bShowTool);
+  whole("VORN_SHOW_nColorTool", s.nColorTool);
+  whole("VORN_SHOW_bShowReal", s.bShowReal);
+  whole("VORN_SHOW_nColorReal", s.nColorReal);
+  whole("VORN_SHOW_bShowNull", s.bShowNull);
+  whole("VORN_SHOW_nColorNull", s.nColorNull);
+}
+
+struct Measured {
+  AcDbObjectId id;
+  double length;  // mm
+  AcGePoint2d start;
+};
+
+// Among the paths from `from` on that are as long as `length`, the nearest to p comes to place `to`.
+void bringNearest(std::vector<Measured>& paths, std::size_t from, std::size_t to, double length,
+                  AcGePoint2d p, double best) {
+  for (std::size_t j = from; j < paths.size(); ++j) {
+    if (std::abs(paths[j].length - length) > kSameLength) continue;
+    const double distance = paths[j].start.distanceTo(p);
+    if (!(distance < best)) continue;
+    best = distance;
+    std::swap(paths[j], paths[to]);
+  }
+}
+
+}  // namespace
+
+void numberPath(AcDbDatabase& drawing, PathState& state, AcDbObjectId id, int number) {
+  auto path = drawing.open<CToolPath>(id, OpenMode::kForWrite);
+  if (!path) return;
+  path->setPathNo(number);
+  path->setPrevEnd(state.lastEnd);
+  state.lastEnd = path->getEndPoint(true);
+}
+
+void renumberAll(AcDbDatabase& drawing, PathState& state) {
+  state.lastEnd = kNoLastEnd;
+  int number = 0;
+  for (AcDbObjectId id : state.PathList) numberPath(drawing, state, id, ++number);
+  state.nextPathNo = number + 1;
+}
+
+void rebuildPathList(Module& module) {
+  AcDbDatabase& drawing = module.drawing();
+  auto& state = module.state<PathState>();
+  std::vector<std::pair<int, AcDbObjectId>> found;
+  for (AcDbObjectId id : drawing.modelSpaceEntities())
+    if (const auto* path = drawing.peek<CToolPath>(id)) found.emplace_back(path->nPathNo(), id);
+  std::stable_sort(found.begin(), found.end(), [](auto& a, auto& b) { return a.first < b.first; });
+  state.PathList.clear();
+  for (const auto& [number, id] : found) state.PathList.push_back(id);
+  readDisplayValues(module);
+  renumberAll(drawing, state);
+}
+
+void undoLastPath(AcDbDatabase& drawing, PathState& state) {
+  if (state.PathList.empty()) return;
+  std::vector<std::unique_ptr<AcDbEntity>> sources;
+  if (auto path = drawing.open<CToolPath>(state.PathList.back(), OpenMode::kForWrite)) {
+    state.lastEnd = path->getPrevEnd();
+    sources = path->restoredContour();
+    path->erase();
+  }
+  for (auto& source : sources) drawing.appendAcDbEntity(drawing.modelSpace(), std::move(source));
+  state.PathList.pop_back();
+  --state.nextPathNo;
+}
+
+void sortNearest(AcDbDatabase& drawing, PathState& state, int first, int last) {
+  auto& list = state.PathList;
+  const auto end = std::min(static_cast<std::size_t>(std::max(last + 1, 0)), list.size());
+  std::vector<std::optional<AcGePoint2d>> starts;
+  for (AcDbObjectId id : list) starts.push_back(startOf(drawing, id));
+  for (std::size_t i = static_cast<std::size_t>(std::max(first, 0)); i + 1 < end; ++i) {
+    if (!starts[i]) continue;
+    double best = kFarAway;
+    for (std::size_t j = i + 1; j < end; ++j) {
+      if (!starts[j]) continue;
+      const double distance = starts[i]->distanceTo(*starts[j]);
+      if (!(distance < best)) continue;
+      best = distance;
+      std::swap(list[i + 1], list[j]);
+      std::swap(starts[i + 1], starts[j]);
+    }
+  }
+  renumberAll(drawing, state);
+}
+
+void sortByLength(AcDbDatabase& drawing, PathState& state) {
+  std::vector<Measured> paths;
+  for (AcDbObjectId id : state.PathList)
+    if (const auto* path = pathAt(drawing, id))
+      paths.push_back({id, path->contourLength(), path->getPointAt(0)});
+  for (std::size_t i = 0; i < paths.size(); ++i)
+    for (std::size_t j = i + 1; j < paths.size(); ++j)
+      if (paths[j].length < paths[i].length) std::swap(paths[i], paths[j]);
+  for (std::size_t i = 0; i + 1 < paths.size(); ++i) {
+    const AcGePoint2d p = paths[i].start;
+    double length = paths[i].length;
+    if (std::abs(paths[i + 1].length - length) > kSameLength) {
+      length = paths[i + 1].length;
+      bringNearest(paths, i + 2, i + 1, length, p, p.distanceTo(paths[i + 1].start));
+    }
+    bringNearest(paths, i + 1, i + 1, length, p, kFarAway);
+  }
+  state.PathList.clear();
+  for (const auto& path : paths) state.PathList.push_back(path.id);
+  renumberAll(drawing, state);
+}
+
+}  // namespace tarnex

@@ -1,0 +1,42 @@
+// What goes wrong between paths before a machine finds out: wires that cut into a neighbour, lead-ins that
+// cross a contour, contours that vanish or fall apart under their offset, radii below it. Knows paths as they
+// stand in the drawing; it only looks.
+#pragma once
+
+#include <vector>
+
+#include "host/database/database.h"
+
+namespace tarnex {
+
+enum class WireTrouble {
+  kRadiusBelowOffset,  // an arc that the wire runs inside of is smaller than the wire
+  kVanished,           // no wire of this size goes round the contour
+  kFallsApart,         // the offset contour splits; only the part at the entry is cut
+  kOwnMethod,          // the offset was made corner by corner and may cross itself
+  kCutsNeighbour,      // the wire comes nearer to another contour than its own offset
+  kLeadInCrosses,      // the lead-in crosses a contour
+};
+
+struct WireWarning {
+  WireTrouble trouble = WireTrouble::kVanished;
+  int path = 0, other = 0;  // path numbers; other 0: none
+  AcGePoint2d at;
+  double value = 0, limit = 0;  // mm: radius and offset, or distance and offset
+};
+
+// In path order; at most one per pair of paths and kind.
+[[nodiscard]] std::vector<WireWarning> surveyWires(const AcDbDatabase& drawing,
+                                                   const std::vector<AcDbObjectId>& paths);
+
+// What becomes of one closed contour beside which a wire runs `offset` mm away.
+struct OffsetFate {
+  bool vanished = false;
+  int pieces = 1;
+  double smallestRadius =
+      0;           // of arcs that the wire runs inside of and that are smaller than the offset; 0 none
+  AcGePoint2d at;  // of that arc, or a point of the contour
+};
+[[nodiscard]] OffsetFate fateUnderOffset(const PolylineCurve& contour, bool hole, double offset);
+
+}  // namespace tarnex
