@@ -3,10 +3,10 @@
 # usage: tools/setup.sh            needs root or a sudo that asks nothing; with nothing missing it needs neither
 set -euo pipefail
 
-# Needed to build and test; the rest makes builds quick, checks the style or adds PDF, PNG, line editing, benchmarks.
-needed=(cmake ninja-build g++ libgtest-dev libgmock-dev librapidcheck-dev libcli11-dev libfmt-dev libtomlplusplus-dev
+# Needed to build and test; the rest makes builds quick, checks the style or adds line editing, benchmarks.
+needed=(cmake ninja-build g++ libgtest-dev libgmock-dev librapidcheck-dev libcli11-dev nlohmann-json3-dev
         libpolyclipping-dev python3 python3-ezdxf git)
-useful=(ccache lld clang-format clang-tidy libedit-dev libcairo2-dev libbenchmark-dev)
+useful=(ccache lld clang-format clang-tidy libedit-dev libbenchmark-dev)
 
 # A tool counts as there when its command runs, whoever installed it.
 declare -A command_of=([cmake]=cmake [ninja-build]=ninja [g++]=g++ [python3]=python3 [git]=git [ccache]=ccache

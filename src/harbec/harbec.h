@@ -13,8 +13,8 @@
 extern "C" {
 
 // Settings of automatic path making. Mode 0; mode 1, the job menu's, isn't built: it says so and gives 0.
-// The fit clearance isn't asked for: reading the file drops it, so that what was typed would be lost. It is set on paths
-// that stand. Not 0: confirmed.
+// The fit clearance isn't asked for: reading the file drops it, so that what was typed would be lost. It is
+// set on paths that stand. Not 0: confirmed.
 [[gnu::visibility("default")]] int SetDlg(tarnex::DialogFrame* frame, int mode);
 
 // Settings of paths whose threading and entry points the user gives. Not 0: confirmed.

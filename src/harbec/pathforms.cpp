@@ -16,8 +16,8 @@ constexpr ChoiceRow kDirections[] = {{1, 20115}, {-1, 20116}};
 constexpr ChoiceRow kSides[] = {{1, 20118}, {-1, 20119}};
 constexpr ChoiceRow kOrders[] = {{0, 20130}, {1, 20131}};
 
-// mm, degrees. A lead-in has a length that a program can count. One arc can't go all the way round. A wire offset is
-// the wire's radius and its spark gap, at most that of a roughing electrode.
+// mm, degrees. A lead-in has a length that a program can count. One arc can't go all the way round. A wire
+// offset is the wire's radius and its spark gap, at most that of a roughing electrode.
 constexpr FieldRow kPathRows[] = {
     {"dLeadLen", 20110, kReal, 0.01, 1000},
     {"nSnapMode", 20111, kChoice, 0, 1, kSnapModes},
@@ -51,4 +51,6 @@ int SetDlg(DialogFrame* frame, int mode) {
   return askAndSave(frame, {"SetDlg", 20100, kPathRows});
 }
 
-int SetMDlg(DialogFrame* frame) { return askAndSave(frame, {"SetMDlg", 20102, kManualRows}); }
+int SetMDlg(DialogFrame* frame) {
+  return askAndSave(frame, {"SetMDlg", 20102, kManualRows});
+}

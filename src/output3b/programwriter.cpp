@@ -177,7 +177,7 @@ std::string programName(Module& module) {
   std::string base = ask ? module.settings.sLastNcFile : module.drawing().dwgName;
   if (const auto dot = base.rfind('.'); dot != std::string::npos && dot > 0) base.resize(dot);
   if (!ask) return base + ".3b";
-  const auto answer = module.editor.acedGetFileD(module.message(246), base, "3B", true);
+  const auto answer = module.editor.acedGetFileD(module.message(20202), base, "3B", true);
   return answer ? answer.value : std::string();
 }
 

@@ -253,8 +253,19 @@ class PathMaker {
     if (hits[0].distanceTo(hits[1]) / 2 < s_.dLeadLen) points_.thread = midpoint(hits[0], hits[1]);
   }
 
+  // The middle of the first span; of the next ones where a lead-in from there would run into the contour
+  // itself. A threading point with room all round goes before one that only keeps the wire off the contour.
   void leadOfOuterShape() {
-    points_.spanIndex = 0;
+    for (double room : {s_.dLeadLen, std::min(s_.dLeadLen, s_.dOffset)})
+      for (std::size_t i = 0; i < polyline_.vertices.size(); ++i) {
+        leadFromSpanMiddle(static_cast<int>(i));
+        if (leadIsClear(room)) return;
+      }
+    leadFromSpanMiddle(0);
+  }
+
+  void leadFromSpanMiddle(int span) {
+    points_.spanIndex = span;
     const BulgeVertex start = spanStart();
     const AcGePoint2d end = spanEnd();
     AcGePoint2d q = midpoint(start.point, end);
@@ -269,6 +280,14 @@ class PathMaker {
       points_.thread = acutPolar(q, mid, dir * start.bulge > 0 ? s_.dLeadLen : -s_.dLeadLen);
     }
     points_.entry = q;
+  }
+
+  bool leadIsClear(double room) const {
+    const AcGePoint2d t = points_.thread, q = points_.entry;
+    if (closestPoint(polyline_, t).distance < room - kSamePoint) return false;
+    for (AcGePoint2d hit : intersect(polyline_, LineCurve{q, t}, Extend::kOnBothOperands))
+      if (hit.distanceTo(q) > kSamePoint) return false;
+    return true;
   }
 
   void finish(std::unique_ptr<CToolPath> path) {

@@ -113,6 +113,13 @@ class Survey {
 
   void leadIn(std::uint32_t i) {
     const CToolPath& p = *paths_[i];
+    const AcGePoint2d t = p.getPointAt(0), q = p.getPointAt(1);
+    PolylineCurve contour{{p.polyline().vertices.begin() + 1, p.polyline().vertices.end()}, false};
+    for (AcGePoint2d hit : intersect(contour, LineCurve{t, q}, Extend::kOnBothOperands))
+      if (hit.distanceTo(q) > kTouching) {
+        warn(WireTrouble::kLeadInCrosses, i, p.nPathNo(), hit, 0, 0);
+        break;
+      }
     nearest({p.getPointAt(0), p.getPointAt(1), 0, i}, 0, WireTrouble::kLeadInCrosses, 0);
   }
 

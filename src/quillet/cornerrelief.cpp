@@ -18,9 +18,13 @@ struct Relief {
 
 using Vertices = std::vector<BulgeVertex>;
 
-const BulgeVertex& at(const Vertices& v, std::size_t i) { return v[i % v.size()]; }
+const BulgeVertex& at(const Vertices& v, std::size_t i) {
+  return v[i % v.size()];
+}
 
-double straightened(double bulge) { return bulge == kMarkedBulge ? 0 : bulge; }
+double straightened(double bulge) {
+  return bulge == kMarkedBulge ? 0 : bulge;
+}
 
 // Vertex i is the root of a step, or its tip, or the root again.
 bool inStep(const Vertices& v, std::size_t i) {
@@ -35,7 +39,8 @@ std::optional<AcGePoint2d> stepAt(const Vertices& v, std::size_t i, const Relief
   if (i == 0 || inStep(v, i)) return std::nullopt;
   const double in = straightened(at(v, i - 1).bulge), out = straightened(v[i].bulge);
   const WireCorner corner{{at(v, i - 1).point, in}, {v[i].point, out}, at(v, i + 1).point};
-  const auto step = cornerStep(corner, relief.turn, in == 0 && out == 0 ? relief.straightRadius : relief.arcRadius);
+  const auto step =
+      cornerStep(corner, relief.turn, in == 0 && out == 0 ? relief.straightRadius : relief.arcRadius);
   if (!step || !(step->length > kSamePoint)) return std::nullopt;
   return step->tip;
 }

@@ -48,7 +48,8 @@ AcDbObjectId newestEntity(const AcDbDatabase& drawing) {
 }
 
 std::optional<RelievedContour> relieveContour(AcDbDatabase& drawing, const CornerRelief& relief,
-                                              const PolylineCurve& contour, const ReliefArguments& arguments) {
+                                              const PolylineCurve& contour,
+                                              const ReliefArguments& arguments) {
   const AcDbObjectId source =
       appendToModelSpace(drawing, std::make_unique<AcDbPolyline>(contour), {}, kColorByLayer, "");
   RelievedContour result;

@@ -1,5 +1,5 @@
-// The corners at which a wire leaves a fillet in the part, and how far it must step out there to take it away.
-// Knows one corner; who asks decides the radius, and what becomes of the step.
+// The corners at which a wire leaves a fillet in the part, and how far it must step out there to take it
+// away. Knows one corner; who asks decides the radius, and what becomes of the step.
 #pragma once
 
 #include <optional>
@@ -23,14 +23,15 @@ struct CornerStep {
   double length = 0;  // mm
 };
 
-// The step along the corner's outer bisector, radius / sin(Δ/2) - radius long, Δ being the angle between the spans (of arcs:
-// their tangents). Nothing where the path goes straight on or turns right back, where the corner turns away
-// from the part, or where the spans are so short that they enclose no area. `turn` is the path's direction
-// times its side: 1 when corners to the left leave the fillet (a hole cut counter-clockwise, a shape cut
-// clockwise), -1 for those to the right.
+// The step along the corner's outer bisector, radius / sin(Δ/2) - radius long, Δ being the angle between the
+// spans (of arcs: their tangents). Nothing where the path goes straight on or turns right back, where the
+// corner turns away from the part, or where the spans are so short that they enclose no area. `turn` is the
+// path's direction times its side: 1 when corners to the left leave the fillet (a hole cut counter-clockwise,
+// a shape cut clockwise), -1 for those to the right.
 [[nodiscard]] std::optional<CornerStep> cornerStep(const WireCorner& corner, int turn, double radius);
 
-// What the corner relief routine made of a closed contour; one flag per vertex, not 0 for those that it added.
+// What the corner relief routine made of a closed contour; one flag per vertex, not 0 for those that it
+// added.
 struct RelievedContour {
   std::vector<BulgeVertex> vertices;
   std::vector<int> flags;

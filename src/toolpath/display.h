@@ -15,24 +15,25 @@ namespace tarnex {
 
 struct WireCutSettings;
 
-// The context that paths ask their drawing for (AcGiWorldDraw::applicationContext). Without one they draw themselves
-// with the settings' construction defaults, in no mode, with the program origin at (0,0,0) and without chains.
+// The context that paths ask their drawing for (AcGiWorldDraw::applicationContext). Without one they draw
+// themselves with the settings' construction defaults, in no mode, with the program origin at (0,0,0) and
+// without chains.
 struct PathDisplay {
   const WireCutSettings* settings = nullptr;  // null: construction defaults
-  bool bOrderMode = false;                    // the order command runs: numbers instead of compensation and arrows
-  bool bShowMatchLines = false;               // the match line tool runs: it draws the ruling lines itself
-  AcGePoint3d ptOrigin;                       // program origin, world
-  int pathCount = 0;                          // paths in the running list
+  bool bOrderMode = false;       // the order command runs: numbers instead of compensation and arrows
+  bool bShowMatchLines = false;  // the match line tool runs: it draws the ruling lines itself
+  AcGePoint3d ptOrigin;          // program origin, world
+  int pathCount = 0;             // paths in the running list
   // Points that the wire passes before the first path and after the last one, in the order travelled, world.
   std::vector<AcGePoint2d> startChain, endChain;
 };
 
-// Fills the chains from the drawing's variables: STARTPOINTk from the highest k of 0 to 100 that is there down to the
-// first gap, ENDPOINT0 upward to the first gap.
+// Fills the chains from the drawing's variables: STARTPOINTk from the highest k of 0 to 100 that is there
+// down to the first gap, ENDPOINT0 upward to the first gap.
 void readTransitChains(AcDbDatabase& drawing, PathDisplay& display);
 
-// The path's own lines of `list`, without line ends. `text` gives a catalogue text with its arguments filled in:
-// 539 number, 541 fit clearance, 542 wire offset, 540 the closing line, asked for in this order.
+// The path's own lines of `list`, without line ends. `text` gives a catalogue text with its arguments filled
+// in: 539 number, 541 fit clearance, 542 wire offset, 540 the closing line, asked for in this order.
 using PathText = std::function<std::string(int id, std::initializer_list<FormatArg> args)>;
 [[nodiscard]] std::vector<std::string> pathListLines(const CToolPath& path, const PathText& text);
 

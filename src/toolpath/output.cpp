@@ -47,8 +47,9 @@ OutputLists CToolPath::prepareOutput(const WireCutSettings& settings, const Corn
     relieved = relieveContour(*database(), relief, {{path.begin() + 1, path.end() - 1}, true},
                               {settings.dIsoFixB, settings.dIsoFixA, nSide_});
   if (!relieved) {
-    addKept(lists, path,
-            [&](std::size_t i) { return hasFlag(kFourAxis) || i >= aSegTaper_.size() ? 0.0 : aSegTaper_[i]; });
+    addKept(lists, path, [&](std::size_t i) {
+      return hasFlag(kFourAxis) || i >= aSegTaper_.size() ? 0.0 : aSegTaper_[i];
+    });
     return lists;
   }
   addTo(lists, path[0], aSegTaper_.empty() ? 0.0 : aSegTaper_[0]);

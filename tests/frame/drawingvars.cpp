@@ -71,7 +71,8 @@ TEST(DrawingVariables, AreListedByKind) {
   vars.setDouble("ISO_THICK", 0.25);
   vars.setString("ISO_MACHINEKZS", "Vorn");
   vars.setPoint("STARTPOINT0", {1, -2.5, 0});
-  EXPECT_THAT(vars.listAll(), ::testing::ElementsAre("\n名称：    SNAPFLAG\t当前值： 37", "\n名称：   ISO_THICK\t当前值： 0.25",
+  EXPECT_THAT(vars.listAll(), ::testing::ElementsAre("\n名称：    SNAPFLAG\t当前值： 37",
+                                                     "\n名称：   ISO_THICK\t当前值： 0.25",
                                                      "\n名称：ISO_MACHINEKZS\t当前值： Vorn",
                                                      "\n名称： STARTPOINT0\t当前值： (1 -2.5 0)"));
 }

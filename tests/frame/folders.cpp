@@ -10,7 +10,8 @@ namespace {
 class Folders : public InFolder {
  protected:
   Folders() {
-    for (const char* name : {"TARNEX_INSTALL", "TARNEX_LANGUAGE", "LC_ALL", "LC_MESSAGES"}) surround(name, std::nullopt);
+    for (const char* name : {"TARNEX_INSTALL", "TARNEX_LANGUAGE", "LC_ALL", "LC_MESSAGES"})
+      surround(name, std::nullopt);
     surround("TARNEX_CONFIG", folder + "/tarnex.ini");
     surround("XDG_DATA_HOME", folder + "/data");
     surround("TARNEX_SHIPPED", folder + "/shipped");

@@ -15,7 +15,9 @@ class NotePriceFile : public InFolder {};
 void put(std::string& file, std::size_t at, std::int32_t v) {
   for (int i = 0; i < 4; ++i) file[at + i] = static_cast<char>(static_cast<std::uint32_t>(v) >> 8 * i);
 }
-void put(std::string& file, std::size_t at, const char* text) { file.replace(at, std::strlen(text), text); }
+void put(std::string& file, std::size_t at, const char* text) {
+  file.replace(at, std::strlen(text), text);
+}
 // Bytes of a double that hex digits write highest first: 40.0 is 4044000000000000.
 void put(std::string& file, std::size_t at, std::uint64_t bits) {
   for (int i = 0; i < 8; ++i) file[at + i] = static_cast<char>(bits >> 8 * i);

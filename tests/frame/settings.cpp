@@ -13,8 +13,9 @@
 namespace tarnex {
 namespace {
 
-// Offset, kind (i 4 bytes, d 8 bytes, s a text field of so many bytes), name, what stands without a file; then the
-// version below which a file gets another value, and that value. "-" is an empty text, NC the program's file.
+// Offset, kind (i 4 bytes, d 8 bytes, s a text field of so many bytes), name, what stands without a file;
+// then the version below which a file gets another value, and that value. "-" is an empty text, NC the
+// program's file.
 constexpr const char* kLayout = R"(
 0 i nVersion 305; 8 d dLeadLen 3; 16 i nSnapMode 1; 20 i nReserved20 1; 24 i nDirection 1;
 28 i nSide 1; 32 i nColorNumber 1 330 1; 36 i bSmallHole 0; 40 d dSmallHoleRadius 2;
@@ -99,7 +100,8 @@ void put(std::string& file, const LaidOut& row, const std::string& value) {
 std::string fullFile(int version) {
   std::string file(1120, '\xFF');
   for (const auto& row : layout()) {
-    if (row.kind[0] == 's') file.replace(row.offset, std::stoul(row.kind.substr(1)), std::stoul(row.kind.substr(1)), '\0');
+    if (row.kind[0] == 's')
+      file.replace(row.offset, std::stoul(row.kind.substr(1)), std::stoul(row.kind.substr(1)), '\0');
     put(file, row, valueFor(row));
   }
   putInt(file, 0, version);
@@ -231,9 +233,11 @@ TEST_F(SettingsFile, FieldsAreSetByText) {
   EXPECT_EQ(s.sMachineKZS, "nineteen bytes long");
   const struct {
     const char *field, *text;
-  } refused[] = {{"doffset", "1"},      {"nVersion", "1"},    {"dOffset", ""},      {"dOffset", "0,11"}, {"dOffset", "nan"},
-                 {"dOffset", "1e999"},  {"nSide", "1.5"},     {"nSide", "2147483648"}, {"nSide", "one"},
-                 {"sMachineKZS", "a name of twenty byt"}};
+  } refused[] = {{"doffset", "1"},   {"nVersion", "1"},
+                 {"dOffset", ""},    {"dOffset", "0,11"},
+                 {"dOffset", "nan"}, {"dOffset", "1e999"},
+                 {"nSide", "1.5"},   {"nSide", "2147483648"},
+                 {"nSide", "one"},   {"sMachineKZS", "a name of twenty byt"}};
   for (const auto& [field, text] : refused) {
     error.clear();
     EXPECT_FALSE(s.setFromText(field, text, error)) << field << " " << text;
@@ -247,7 +251,8 @@ TEST_F(SettingsFile, AnyBytesLoadAndSaveAgain) {
   std::mt19937 random(20031);
   const int rounds = environment("TARNEX_LONG") ? 20000 : 20;
   for (int i = 0; i < rounds; ++i) {
-    std::string file = random() % 2 ? fullFile(300 + static_cast<int>(random() % 40)) : std::string(1120, '\0');
+    std::string file =
+        random() % 2 ? fullFile(300 + static_cast<int>(random() % 40)) : std::string(1120, '\0');
     file.resize(random() % 4 ? 1120 : random() % 1300, '\x7F');
     for (int k = 0; k < 30 && !file.empty(); ++k) file[random() % file.size()] = static_cast<char>(random());
     write("WireCut.set", file);
@@ -260,7 +265,8 @@ TEST_F(SettingsFile, AnyBytesLoadAndSaveAgain) {
     for (const auto& row : settingsRows()) {
       // A text that filled its whole field was cut when it was written.
       const auto was = s.textOf(row.name).value_or(""), is = again.textOf(row.name).value_or("?");
-      EXPECT_TRUE(was == is || (was.size() >= row.size && was.starts_with(is))) << row.name << " in round " << i;
+      EXPECT_TRUE(was == is || (was.size() >= row.size && was.starts_with(is)))
+          << row.name << " in round " << i;
     }
     ASSERT_TRUE(again.save());
     EXPECT_EQ(read("WireCut.set"), first) << "round " << i;

@@ -150,7 +150,9 @@ TEST_F(Forms, FitTheSettingsThatTheyStandFor) {
   ASSERT_TRUE(library);
   std::string machine;
   Recorder frame(folder);
-  const auto entry = [&](const char* name, auto* type) { return reinterpret_cast<decltype(type)>(library->entry(name)); };
+  const auto entry = [&](const char* name, auto* type) {
+    return reinterpret_cast<decltype(type)>(library->entry(name));
+  };
   using Plain = int(DialogFrame*);
   using WithMode = int(DialogFrame*, int);
   using WithName = int(DialogFrame*, std::string*);

@@ -45,15 +45,28 @@ TEST_F(Relief, ASquareHoleGetsAStepAtEachCornerButItsFirst) {
   EXPECT_NEAR(kD * std::sqrt(2.0), 0.0745584, 1e-7);
   expectVertices(relieved({{{0, 0}, 0}, {{10, 0}, 0}, {{10, 10}, 0}, {{0, 10}, 0}}, 1),
                  {{{0, 0}, 0},
-                  {{10, 0}, kMark}, {{10 + kD, -kD}, kMark}, {{10, 0}, 0},
-                  {{10, 10}, kMark}, {{10 + kD, 10 + kD}, kMark}, {{10, 10}, 0},
-                  {{0, 10}, kMark}, {{-kD, 10 + kD}, kMark}, {{0, 10}, 0}});
+                  {{10, 0}, kMark},
+                  {{10 + kD, -kD}, kMark},
+                  {{10, 0}, 0},
+                  {{10, 10}, kMark},
+                  {{10 + kD, 10 + kD}, kMark},
+                  {{10, 10}, 0},
+                  {{0, 10}, kMark},
+                  {{-kD, 10 + kD}, kMark},
+                  {{0, 10}, 0}});
   EXPECT_EQ(flags, (std::vector{0, 0, 1, 1, 0, 1, 1, 0, 1, 1}));
-  expectVertices(relieved({{{0, 0}, 0}, {{0, 10}, 0}, {{10, 10}, 0}, {{10, 0}, 0}}, 1),  // the other way round
-                 {{{0, 0}, 0},
-                  {{0, 10}, kMark}, {{-kD, 10 + kD}, kMark}, {{0, 10}, 0},
-                  {{10, 10}, kMark}, {{10 + kD, 10 + kD}, kMark}, {{10, 10}, 0},
-                  {{10, 0}, kMark}, {{10 + kD, -kD}, kMark}, {{10, 0}, 0}});
+  expectVertices(
+      relieved({{{0, 0}, 0}, {{0, 10}, 0}, {{10, 10}, 0}, {{10, 0}, 0}}, 1),  // the other way round
+      {{{0, 0}, 0},
+       {{0, 10}, kMark},
+       {{-kD, 10 + kD}, kMark},
+       {{0, 10}, 0},
+       {{10, 10}, kMark},
+       {{10 + kD, 10 + kD}, kMark},
+       {{10, 10}, 0},
+       {{10, 0}, kMark},
+       {{10 + kD, -kD}, kMark},
+       {{10, 0}, 0}});
 }
 
 TEST_F(Relief, AnOuterShapeIsRelievedWhereItIsHollow) {
@@ -62,9 +75,14 @@ TEST_F(Relief, AnOuterShapeIsRelievedWhereItIsHollow) {
   EXPECT_EQ(flags, std::vector(4, 0));
   expectVertices(
       relieved({{{0, 0}, 0}, {{20, 0}, 0}, {{20, 10}, 0}, {{10, 10}, 0}, {{10, 20}, 0}, {{0, 20}, 0}}, -1),
-      {{{0, 0}, 0}, {{20, 0}, 0}, {{20, 10}, 0},
-       {{10, 10}, kMark}, {{10 - kD, 10 - kD}, kMark}, {{10, 10}, 0},
-       {{10, 20}, 0}, {{0, 20}, 0}});
+      {{{0, 0}, 0},
+       {{20, 0}, 0},
+       {{20, 10}, 0},
+       {{10, 10}, kMark},
+       {{10 - kD, 10 - kD}, kMark},
+       {{10, 10}, 0},
+       {{10, 20}, 0},
+       {{0, 20}, 0}});
 }
 
 TEST_F(Relief, CornersOfArcsGoByTheirTangents) {
@@ -112,7 +130,8 @@ TEST_F(Relief, WithoutAModuleThereIsNone) {
   EXPECT_FALSE(bindCornerRelief(*module)) << "a module without the routine";
 }
 
-// ---- what writers make of it ---------------------------------------------------------------------------------------
+// ---- what writers make of it
+// ---------------------------------------------------------------------------------------
 
 class ReliefInPrograms : public Relief {
  protected:
@@ -125,25 +144,30 @@ class ReliefInPrograms : public Relief {
     PolylineCurve contour{shape.vertices, true};
     if (polylineOrientation(contour) != shape.nDirection) reversePolyline(contour);
     const AcGePoint2d a = contour.vertices[0].point, b = contour.vertices[1].point;
-    const AcGePoint2d entry = contour.vertices[0].bulge == 0
-                                  ? AcGePoint2d{a.x + (b.x - a.x) * shape.along, a.y + (b.y - a.y) * shape.along}
-                                  : pointAlongSpan(a, b, contour.vertices[0].bulge,
-                                                   shape.along * spanLength(a, b, contour.vertices[0].bulge))
-                                        ->point;
+    const AcGePoint2d entry =
+        contour.vertices[0].bulge == 0
+            ? AcGePoint2d{a.x + (b.x - a.x) * shape.along, a.y + (b.y - a.y) * shape.along}
+            : pointAlongSpan(a, b, contour.vertices[0].bulge,
+                             shape.along * spanLength(a, b, contour.vertices[0].bulge))
+                  ->point;
     auto path = std::make_unique<CToolPath>();
     const double outwards = shape.nSide == 1 ? 0.9 : 1.1;
-    EXPECT_TRUE(path->initContour({{entry.x * outwards, entry.y * outwards}, entry, shape.nSide, shape.nDirection, 0.1, 0},
-                                  contour, 0));
+    EXPECT_TRUE(path->initContour(
+        {{entry.x * outwards, entry.y * outwards}, entry, shape.nSide, shape.nDirection, 0.1, 0}, contour,
+        0));
     return *session.entity<CToolPath>(session.add(std::move(path)));
   }
   std::string program(const CToolPath& path, const WireCutSettings& settings, const CornerRelief& routine) {
-    const Contour3bContext context{settings, {0, 0}, "D", routine, [](std::string_view) {}, [](int) { return ""; }};
+    const Contour3bContext context{
+        settings, {0, 0}, "D", routine, [](std::string_view) {}, [](int) { return ""; }};
     Program3b out;
     write3B(path, context, out);
     return out.text;
   }
   Shape randomShape(std::mt19937& random) {
-    const auto real = [&](double low, double high) { return low + (high - low) * (random() % 10001) / 10000.0; };
+    const auto real = [&](double low, double high) {
+      return low + (high - low) * (random() % 10001) / 10000.0;
+    };
     const int n = 3 + static_cast<int>(random() % 10);
     Shape shape;
     for (int i = 0; i < n; ++i)
@@ -203,7 +227,8 @@ TEST_F(ReliefInPrograms, CodesAndThePauseBeforeTheEndStay) {
 }
 
 TEST_F(ReliefInPrograms, OutputListsHoldTheStepsAsStraightSpans) {
-  const CToolPath& path = pathOf({{{{-10, -10}, 0}, {{10, -10}, 0}, {{10, 10}, 0}, {{-10, 10}, 0}}, 1, 1, 0.5});
+  const CToolPath& path =
+      pathOf({{{{-10, -10}, 0}, {{10, -10}, 0}, {{10, 10}, 0}, {{-10, 10}, 0}}, 1, 1, 0.5});
   WireCutSettings settings(folder);
   settings.dIsoFixA = 0;
   settings.dIsoFixB = 0.2;
@@ -226,14 +251,17 @@ TEST_F(ReliefInPrograms, OutputListsHoldTheStepsAsStraightSpans) {
 
 // A routine that breaks its promise must cost neither the path nor what the user drew last.
 TEST_F(ReliefInPrograms, ARoutineThatLeavesNothingChangesNothing) {
-  const CToolPath& path = pathOf({{{{-10, -10}, 0}, {{10, -10}, 0}, {{10, 10}, 0}, {{-10, 10}, 0}}, 1, 1, 0.5});
+  const CToolPath& path =
+      pathOf({{{{-10, -10}, 0}, {{10, -10}, 0}, {{10, 10}, 0}, {{-10, 10}, 0}}, 1, 1, 0.5});
   WireCutSettings settings(folder);
   settings.bAutoFix = 1;
   settings.dIsoFixA = settings.dIsoFixB = 0.2;
   add({{{0, 0}, 0}, {{5, 0}, 0}, {{5, 5}, 0}});
   const auto before = session.all();
   for (const bool answer : {false, true}) {
-    const CornerRelief broken = [answer](AcDbObjectId, double, double, int, std::vector<int>&) { return answer; };
+    const CornerRelief broken = [answer](AcDbObjectId, double, double, int, std::vector<int>&) {
+      return answer;
+    };
     EXPECT_EQ(program(path, settings, broken), program(path, settings, {}));
     EXPECT_EQ(path.prepareOutput(settings, broken).vertices.size(), 7u);
     EXPECT_EQ(session.all(), before);

@@ -29,16 +29,18 @@ struct Shown : PathDisplay {
 
 // The line that a path's own polyline gives: square hole.
 const char kSquare[] = "line 10,10 20,10 20,20 0,20 0,0 20,0 20,10";
-std::string square(int color) { return "-1 " + std::to_string(color) + " as it is: " + kSquare; }
+std::string square(int color) {
+  return "-1 " + std::to_string(color) + " as it is: " + kSquare;
+}
 
 TEST(PathDisplay, WithoutContextTheConstructionDefaultsHold) {
   const auto path = squareHole();
   path->setPathNo(1);
-  // Text height 3, number in colour 1 at Q. The arrow starts 1 mm (wire offset) left of Q, on the inner side, and runs
-  // up 3 mm; barbs of 1 mm stand 15 degrees beside it: sin 15 = 0.2588, cos 15 = 0.9659.
-  EXPECT_THAT(drawn(*path), ElementsAre(square(256), "5001 1 --: text 20,10 h 3 1", "502 1 --: line 19,10 19,13",
-                                        "503 1 --: line 19.2588,12.0341 19,13",
-                                        "504 1 --: line 18.7412,12.0341 19,13"));
+  // Text height 3, number in colour 1 at Q. The arrow starts 1 mm (wire offset) left of Q, on the inner side,
+  // and runs up 3 mm; barbs of 1 mm stand 15 degrees beside it: sin 15 = 0.2588, cos 15 = 0.9659.
+  EXPECT_THAT(drawn(*path),
+              ElementsAre(square(256), "5001 1 --: text 20,10 h 3 1", "502 1 --: line 19,10 19,13",
+                          "503 1 --: line 19.2588,12.0341 19,13", "504 1 --: line 18.7412,12.0341 19,13"));
 }
 
 TEST(PathDisplay, ContoursAndCoordinatesInTheirOrder) {
@@ -87,8 +89,8 @@ TEST(PathDisplay, ValuesOfNothingShowNothing) {
   path->setPathNo(3);
   Shown shown;
   shown.values.bShowReal = shown.values.bShowTool = shown.values.bShowNull = 1;
-  // No offset, no clearance, no style: in the colour of the wire centre path. Coordinates of 0 or -1 decimals and the
-  // move from a place that isn't known are left out.
+  // No offset, no clearance, no style: in the colour of the wire centre path. Coordinates of 0 or -1 decimals
+  // and the move from a place that isn't known are left out.
   for (const int decimals : {-1, 0}) {
     shown.values.nCoordDecimals = decimals;
     EXPECT_THAT(drawn(*path, &shown), ElementsAre(square(3)));
@@ -115,11 +117,11 @@ TEST(PathDisplay, ArrowsPointInCuttingDirectionOnTheWiresSide) {
   // Quarters about (0,0): the wire at radius 9, up when counter-clockwise, down when clockwise.
   EXPECT_EQ(shaft(*roundHole(kCounterClockwise)), "502 1 --: line 9,0 9,3");
   EXPECT_EQ(shaft(*roundHole(kClockwise)), "502 4 --: line 9,0 9,-3");
-  // A counter-clockwise hole that is entered on a dent: a half circle from (0,0) to (0,10), bulge -1, about (0,5),
-  // bowing to the left. The wire keeps 1 mm farther into the hole, towards the left of travel.
-  const auto dent = stored({.vertices = {{{-3, 0}, 0}, {{0, 0}, -1}, {{0, 10}, 0}, {{-20, 10}, 0}, {{-20, 0}, 0},
-                                         {{0, 0}, 0}},
-                            .dOffset = 1});
+  // A counter-clockwise hole that is entered on a dent: a half circle from (0,0) to (0,10), bulge -1, about
+  // (0,5), bowing to the left. The wire keeps 1 mm farther into the hole, towards the left of travel.
+  const auto dent = stored(
+      {.vertices = {{{-3, 0}, 0}, {{0, 0}, -1}, {{0, 10}, 0}, {{-20, 10}, 0}, {{-20, 0}, 0}, {{0, 0}, 0}},
+       .dOffset = 1});
   EXPECT_EQ(shaft(*dent), "502 1 --: line 0,-1 -3,-1");
 }
 
@@ -140,8 +142,8 @@ TEST(PathDisplay, ArcsAreDrawnThroughTheirMiddle) {
 TEST(PathDisplay, Tapers) {
   const auto path = squareHole();
   Shown shown;
-  // Three letters of height 3: the ring's radius is 3 * 3 / 2; the text starts 1.5 right of its left and 1.5 below
-  // the threading point. A single letter counts as two.
+  // Three letters of height 3: the ring's radius is 3 * 3 / 2; the text starts 1.5 right of its left and 1.5
+  // below the threading point. A single letter counts as two.
   path->setTaper(0.5);
   EXPECT_THAT(drawn(*path, &shown),
               ElementsAre(square(256), "5002 1 -: text 7,8.5 h 3 0.5", "502 2 -: circle 10,10 r 4.5"));
@@ -170,8 +172,8 @@ TEST(PathDisplay, MarksOfAStyledPath) {
   shown.values.dCutoffLen = 2;
   shown.values.dOvercutLen = 1.5;
   shown.values.dOvercutExit = 0;
-  // The wire walks the square from 1 to 19, entered at (19,10). The pause lies 2 before it; the overcut leaves 1.5
-  // after it, at a right angle into the hole, by half of the 9 mm from (10,10) to (19,10).
+  // The wire walks the square from 1 to 19, entered at (19,10). The pause lies 2 before it; the overcut
+  // leaves 1.5 after it, at a right angle into the hole, by half of the 9 mm from (10,10) to (19,10).
   const Lines expected = {square(3),
                           "0 132 --: line 19.6,10 19.6,19.6",
                           "0 132 --: line 19.6,19.6 0.4,19.6",
@@ -230,8 +232,8 @@ TEST(PathDisplay, UpperContourRulingsAndGuide) {
                     .aSyncMark = {3, 1, 2}};
   Shown shown;
   // Half a circle from (6,0) to (6,8), counter-clockwise: it bows to the right, to x 10.
-  const Lines expected = {"-1 3 as it is: line 0,0 5,0 5,8",  "100 240 --: line 0,0,30 6,0,30",
-                          "200 2 --: line 0,0 0,0,30",        "101 240 --: arc 6,0,30 10,4,30 6,8,30",
+  const Lines expected = {"-1 3 as it is: line 0,0 5,0 5,8", "100 240 --: line 0,0,30 6,0,30",
+                          "200 2 --: line 0,0 0,0,30", "101 240 --: arc 6,0,30 10,4,30 6,8,30",
                           "201 2 --: line 5,0 6,0,30"};
   const auto path = stored(fields);
   EXPECT_EQ(drawn(*path, &shown), expected);
@@ -239,7 +241,8 @@ TEST(PathDisplay, UpperContourRulingsAndGuide) {
   EXPECT_EQ(drawn(*path, &shown), (Lines{expected[0], expected[1], expected[3]}));
 
   std::vector<AcGePoint3d> points;
-  path->getOsnapPoints(OsnapMode::kOsModeEnd, {}, {}, points);  // 1: lower vertices 0 and 1; 2: upper 2, never 0
+  path->getOsnapPoints(OsnapMode::kOsModeEnd, {}, {},
+                       points);  // 1: lower vertices 0 and 1; 2: upper 2, never 0
   EXPECT_THAT(points, ElementsAre(AcGePoint3d{0, 0, 0}, AcGePoint3d{5, 0, 0}, AcGePoint3d{6, 8, 30}));
   points.clear();
   path->getOsnapPoints(OsnapMode::kOsModeMid, {5, 3, 0}, {}, points);
@@ -255,8 +258,9 @@ TEST(PathDisplay, UpperContourRulingsAndGuide) {
 
   fields.nFlags = kGuideCurve | kIsoMark64 | kAllCornersR;
   const auto guided = stored(fields);
-  EXPECT_EQ(drawn(*guided, &shown), (Lines{expected[0], "0 240 --: line 0,0 6,0", "1 240 --: arc 6,0 10,4 6,8",
-                                           "0 140 --: line 0,0 5,0", "5001 3 --: text 0,0 h 3 R"}));
+  EXPECT_EQ(drawn(*guided, &shown),
+            (Lines{expected[0], "0 240 --: line 0,0 6,0", "1 240 --: arc 6,0 10,4 6,8",
+                   "0 140 --: line 0,0 5,0", "5001 3 --: text 0,0 h 3 R"}));
   EXPECT_EQ(guided->moveGripPointsAt({1}, {1, 1, 0}), ErrorStatus::eOk);
   EXPECT_EQ(guided->getPointAt(1), (AcGePoint2d{6, 1}));
 }
@@ -275,14 +279,16 @@ TEST(PathDisplay, ChainsBeforeTheFirstAndAfterTheLastPath) {
     return lines;
   };
   vars.setPoint("STARTPOINT0", {1, 1, 0});
-  const Lines single = {"506 6 - -: line 0.5,1 1.5,1", "506 6 - -: line 1,0.5 1,1.5", "506 6 - -: line 1,1 10,10"};
+  const Lines single = {"506 6 - -: line 0.5,1 1.5,1", "506 6 - -: line 1,0.5 1,1.5",
+                        "506 6 - -: line 1,1 10,10"};
   EXPECT_EQ(after(1), single);
   EXPECT_EQ(after(2), Lines{});
   // From the highest down to the first gap: 3, 2 and no more, since 1 isn't there.
   vars.setPoint("STARTPOINT3", {4, 0, 0});
   vars.setPoint("STARTPOINT2", {6, 0, 0});
-  EXPECT_EQ(after(1), (Lines{"506 6 - -: line 3.5,0 4.5,0", "506 6 - -: line 4,-0.5 4,0.5", "506 6 - -: line 5.5,0 6.5,0",
-                             "506 6 - -: line 6,-0.5 6,0.5", "506 6 - -: line 4,0 6,0", "506 6 - -: line 6,0 10,10"}));
+  EXPECT_EQ(after(1), (Lines{"506 6 - -: line 3.5,0 4.5,0", "506 6 - -: line 4,-0.5 4,0.5",
+                             "506 6 - -: line 5.5,0 6.5,0", "506 6 - -: line 6,-0.5 6,0.5",
+                             "506 6 - -: line 4,0 6,0", "506 6 - -: line 6,0 10,10"}));
   // After the last path, whose wire stands at its threading point again.
   vars.setPoint("ENDPOINT0", {30, 10, 0});
   vars.setPoint("ENDPOINT1", {30, 40, 0});
@@ -313,7 +319,8 @@ TEST(PathDisplay, ListTellsNumberClearanceAndOffset) {
               ElementsAre("  Path number: 7", "  Fit clearance: 0.025", "  Wire offset: 0.11",
                           "  Lengths are in millimetres."));
   const auto catalogue = [](int id, std::initializer_list<FormatArg> args) {
-    return "\n  " + std::to_string(id) + (args.size() ? formatChecked(id == 539 ? " %d" : " %g", args) : "") + "\n";
+    return "\n  " + std::to_string(id) + (args.size() ? formatChecked(id == 539 ? " %d" : " %g", args) : "") +
+           "\n";
   };
   EXPECT_THAT(pathListLines(*path, catalogue), ElementsAre("  539 7", "  541 0.025", "  542 0.11", "  540"));
 }

@@ -21,7 +21,10 @@ std::string point(const AcGePoint3d& p) {
 }  // namespace
 
 void DrawLog::setLineType(std::string_view name) {
-  linetype_ = name == "CONTINUOUS" ? "-" : name == "Acad_iso02W100" ? "--" : name == "Acad_iso03W100" ? "- -" : name;
+  linetype_ = name == "CONTINUOUS"       ? "-"
+              : name == "Acad_iso02W100" ? "--"
+              : name == "Acad_iso03W100" ? "- -"
+                                         : name;
 }
 
 void DrawLog::add(const std::string& shape) {
@@ -39,7 +42,8 @@ void DrawLog::circle(const AcGePoint3d& centre, double radius) {
 void DrawLog::circularArc(const AcGePoint3d& start, const AcGePoint3d& middle, const AcGePoint3d& end) {
   add("arc " + point(start) + ' ' + point(middle) + ' ' + point(end));
 }
-void DrawLog::text(const AcGePoint3d& position, AcGeVector3d direction, double height, std::string_view utf8) {
+void DrawLog::text(const AcGePoint3d& position, AcGeVector3d direction, double height,
+                   std::string_view utf8) {
   EXPECT_EQ(direction, (AcGeVector3d{1, 0, 0}));
   add("text " + point(position) + " h " + number(height) + ' ' + std::string(utf8));
 }
@@ -67,7 +71,8 @@ std::unique_ptr<CToolPath> made(bool done, std::unique_ptr<CToolPath> path) {
 
 std::unique_ptr<CToolPath> squareHole() {
   auto path = std::make_unique<CToolPath>();
-  const bool done = path->initContour({{10, 10}, {20, 10}, kInnerHole, kCounterClockwise, 1, 0}, square(false), 1);
+  const bool done =
+      path->initContour({{10, 10}, {20, 10}, kInnerHole, kCounterClockwise, 1, 0}, square(false), 1);
   return made(done, std::move(path));
 }
 

@@ -1,4 +1,5 @@
-// A drawing that writes down what is drawn, one line per primitive with what was in force, for tests to compare.
+// A drawing that writes down what is drawn, one line per primitive with what was in force, for tests to
+// compare.
 #pragma once
 
 #include <string>
@@ -10,8 +11,8 @@
 
 namespace tarnex {
 
-// "marker colour linetype: line 0,0 10,5"; line types as "-", "--" and "- -", numbers to four decimals, z as third
-// coordinate where it isn't 0.
+// "marker colour linetype: line 0,0 10,5"; line types as "-", "--" and "- -", numbers to four decimals, z as
+// third coordinate where it isn't 0.
 class DrawLog final : public AcGiWorldDraw {
  public:
   explicit DrawLog(const PathDisplay* display = nullptr) : display_(display) {}
@@ -21,7 +22,8 @@ class DrawLog final : public AcGiWorldDraw {
   void polyline(std::span<const AcGePoint3d> points) override;
   void circle(const AcGePoint3d& centre, double radius) override;
   void circularArc(const AcGePoint3d& start, const AcGePoint3d& point, const AcGePoint3d& end) override;
-  void text(const AcGePoint3d& position, AcGeVector3d direction, double height, std::string_view utf8) override;
+  void text(const AcGePoint3d& position, AcGeVector3d direction, double height,
+            std::string_view utf8) override;
   const void* applicationContext() const override { return display_; }
 
   std::vector<std::string> lines;

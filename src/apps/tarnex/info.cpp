@@ -132,7 +132,7 @@ int runInfo(const InfoOptions& options) {
   std::vector<std::string> said;
   steps.takeBlocksApart(said);
   look.loose = surveyLoose(drawing, steps.shown());
-  steps.joinLooseCurves(false, std::nullopt, said);
+  steps.joinLooseCurves(std::nullopt);
   look.found = surveyContours(drawing, steps.shown());
   if (options.json)
     std::printf(

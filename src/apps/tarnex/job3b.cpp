@@ -7,6 +7,7 @@
 #include <set>
 
 #include "apps/tarnex/jobsteps.h"
+#include "contour/geometrylibrary.h"
 #include "contour/hosthelpers.h"
 #include "frame/folders.h"
 #include "host/display/svg.h"
@@ -76,6 +77,7 @@ class Job3b {
   }
 
   bool chooseSettings() {
+    standing_ = session_.module().settings;
     std::vector<std::string> lines{"setvar CMDDIA 0"};
     for (const auto& set : options_.sets) {
       const auto equal = set.find('=');
@@ -103,8 +105,9 @@ class Job3b {
     if (!steps_.chooseLayers(options_.layers, options_.skipLayers, result_.said))
       return fail(kFailed, result_.drawing + ": no layer of those names holds anything");
     steps_.takeBlocksApart(result_.said);
+    if (options_.clean) steps_.clean(result_.said);
     result_.loose = surveyLoose(session_.drawing(), steps_.shown());
-    steps_.joinLooseCurves(options_.clean, options_.gap, result_.said);
+    steps_.joinLooseCurves(options_.gap);
     result_.found = surveyContours(session_.drawing(), steps_.shown());
     if (!result_.found.contours.empty() || steps_.hasPaths()) return true;
     return fail(kFailed,
@@ -114,6 +117,11 @@ class Job3b {
   bool makePaths() {
     std::vector<const SurveyedContour*> holes, outer;
     for (const auto& c : result_.found.contours) {
+      if (!(c.area > kNegligibleArea)) {
+        const AcGePoint2d at = c.shape.vertices.front().point;
+        result_.warnings.push_back(formatted("contour at %.3f,%.3f: encloses nothing, left out", at.x, at.y));
+        continue;
+      }
       const bool hole = c.depth % 2 == 1;
       const OffsetFate fate = fateUnderOffset(c.shape, hole, session_.module().settings.dOffset);
       if (fate.vanished) {
@@ -151,6 +159,7 @@ class Job3b {
     }
     const std::string path = absolutePath(result_.program);
     session_.run({"SET bAskFileName 1", "BB", "", path});
+    putSettingsBack();
     const auto& program = session_.module().state<LastProgram3b>();
     waitForStarted(session_.module());
     if (program.path.empty()) {
@@ -159,6 +168,12 @@ class Job3b {
     }
     result_.blocks = program.blocks;
     result_.program = program.path;
+  }
+
+  // A user who runs the script keeps his own settings.
+  void putSettingsBack() {
+    for (const char* name : {"nSide", "dOpenTol", "bAskFileName"})
+      session_.run({std::string("SET ") + name + " " + *standing_.textOf(name)});
   }
 
   void survey() {
@@ -207,6 +222,7 @@ class Job3b {
   JobFolder folder_;
   Session session_;
   JobSteps steps_;
+  WireCutSettings standing_{""};  // as the user has them
   Job3bResult result_;
 };
 

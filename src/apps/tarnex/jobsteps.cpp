@@ -95,12 +95,13 @@ void JobSteps::takeBlocksApart(std::vector<std::string>& said) {
   if (!open.empty()) session_.run({"explode", named(open), ""});
 }
 
-void JobSteps::joinLooseCurves(bool clean, std::optional<double> gap, std::vector<std::string>& said) {
+void JobSteps::clean(std::vector<std::string>& said) {
   const std::size_t before = shown().size();
-  if (clean) {
-    session_.run({"scc", "all", ""});
-    said.push_back(formatted("cleaned: %zu entities less", before - shown().size()));
-  }
+  session_.run({"scc", "all", ""});
+  said.push_back(formatted("cleaned: %zu entities less", before - shown().size()));
+}
+
+void JobSteps::joinLooseCurves(std::optional<double> gap) {
   if (const auto splines = shownOf<AcDbSpline>(); !splines.empty()) session_.run({"s2p", named(splines), ""});
   const bool loose = !shownOf<AcDbLine>().empty() || !shownOf<AcDbArc>().empty() ||
                      !shownOf<AcDbEllipse>().empty() || !shownOf<AcDbPolyline>().empty();
@@ -138,6 +139,10 @@ std::string JobSteps::whatIsThere(const DxfReport& read, const ContourSurvey& fo
     return formatted("%zu chains, none of them closed (the first from %.3f,%.3f to %.3f,%.3f)",
                      found.open.size(), found.open[0].from.x, found.open[0].from.y, found.open[0].to.x,
                      found.open[0].to.y);
+  std::size_t tilted = 0;
+  for (AcDbObjectId id : session_.drawing().modelSpaceEntities())
+    if (const auto* kept = session_.drawing().peek<AcDbKeptEntity>(id); kept && kept->isThreeDimensional())
+      ++tilted;
   std::string kinds;
   for (const auto& [name, count] : read.entities) {
     const auto inModel = read.modelSpace.find(name);
@@ -145,6 +150,7 @@ std::string JobSteps::whatIsThere(const DxfReport& read, const ContourSurvey& fo
     if (inModel == read.modelSpace.end()) kinds += " (none in model space)";
   }
   if (kinds.empty()) return "the drawing is empty";
+  if (tilted > 0) kinds += formatted("; %zu of them do not lie in the drawing plane (3D or tilted)", tilted);
   return "the drawing holds " + kinds;
 }
 
@@ -166,7 +172,8 @@ std::string sentenceOf(const WireWarning& w) {
       return where + formatted("the wire comes within %.3f mm of path %d, its offset is %.3f mm", w.value,
                                w.other, w.limit);
     case WireTrouble::kLeadInCrosses:
-      return where + formatted("the lead-in crosses path %d", w.other);
+      return where + (w.other == w.path ? std::string("the lead-in crosses its own contour")
+                                        : formatted("the lead-in crosses path %d", w.other));
   }
   return where;
 }

@@ -24,8 +24,9 @@ class JobSteps {
                     std::vector<std::string>& said);
   void restoreLayers();
   void takeBlocksApart(std::vector<std::string>& said);
-  // Cleaning, splines to chords, then everything that touches becomes one polyline.
-  void joinLooseCurves(bool clean, std::optional<double> gap, std::vector<std::string>& said);
+  void clean(std::vector<std::string>& said);
+  // Splines to chords, then everything that touches (or comes within `gap` mm) becomes one polyline.
+  void joinLooseCurves(std::optional<double> gap);
   void makePaths(const std::vector<const SurveyedContour*>& contours, int side);
   // Brings paths that lie inside another in front of it; how many paths stood wrong.
   std::size_t mendOrder();

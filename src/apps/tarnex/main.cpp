@@ -15,8 +15,8 @@ namespace {
 using namespace tarnex;
 
 std::optional<double> unitFactorOfName(const std::string& name) {
-  constexpr std::pair<std::string_view, double> kUnits[] = {{"mm", 1},       {"cm", 10},       {"m", 1000},
-                                                            {"um", 0.001},   {"inch", 25.4},   {"in", 25.4},
+  constexpr std::pair<std::string_view, double> kUnits[] = {{"mm", 1},       {"cm", 10},     {"m", 1000},
+                                                            {"um", 0.001},   {"inch", 25.4}, {"in", 25.4},
                                                             {"foot", 304.8}, {"mil", 0.0254}};
   for (const auto& [unit, millimetres] : kUnits)
     if (unit == name) return millimetres;

@@ -141,7 +141,8 @@ std::uint64_t AcDbDatabase::State::handleFor(std::uint64_t wish, AcDbObjectId id
     nextHandle = std::max(nextHandle, wish + 1 != 0 ? wish + 1 : wish);
     return wish;
   }
-  while (nextHandle == 0 || !handles.find(nextHandle).isNull()) ++nextHandle;  // after the last comes the first
+  while (nextHandle == 0 || !handles.find(nextHandle).isNull())
+    ++nextHandle;  // after the last comes the first
   const std::uint64_t next = nextHandle++;
   if (wish == 0 || holder.index > defaultObjects) return next;
   AcDbObject& yielding = *at(holder);

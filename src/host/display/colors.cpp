@@ -10,8 +10,8 @@ namespace tarnex {
 
 namespace {
 
-constexpr Rgb kNamed[] = {{255, 0, 0},     {255, 255, 0},   {0, 255, 0},     {0, 255, 255},   {0, 0, 255},
-                          {255, 0, 255},   {255, 255, 255}, {128, 128, 128}, {192, 192, 192}};
+constexpr Rgb kNamed[] = {{255, 0, 0},   {255, 255, 0},   {0, 255, 0},     {0, 255, 255},  {0, 0, 255},
+                          {255, 0, 255}, {255, 255, 255}, {128, 128, 128}, {192, 192, 192}};
 constexpr Rgb kGreys[] = {{51, 51, 51},    {91, 91, 91},    {132, 132, 132},
                           {173, 173, 173}, {214, 214, 214}, {255, 255, 255}};
 // Brightness in 255ths, and the same at half the saturation.
@@ -21,8 +21,8 @@ constexpr int kGround[] = {127, 102, 76, 63, 38};
 constexpr double kSeen = 2.2;   // contrast ratio that a thin line needs
 constexpr double kStep = 0.04;  // of the way to black or white
 
-// How much of a primary colour a hue holds, 0 to 4 (quarters): each is full over a third of the circle, with ramps of
-// four steps of 15 degrees on both sides.
+// How much of a primary colour a hue holds, 0 to 4 (quarters): each is full over a third of the circle, with
+// ramps of four steps of 15 degrees on both sides.
 constexpr int quarters(int hue, int centre) {
   const int apart = std::min((hue - centre + 24) % 24, (centre - hue + 24) % 24);
   return std::clamp(8 - apart, 0, 4);
@@ -42,7 +42,9 @@ double linear(std::uint8_t v) {
   const double s = v / 255.0;
   return s <= 0.04045 ? s / 12.92 : std::pow((s + 0.055) / 1.055, 2.4);
 }
-double luminance(Rgb c) { return 0.2126 * linear(c.r) + 0.7152 * linear(c.g) + 0.0722 * linear(c.b); }
+double luminance(Rgb c) {
+  return 0.2126 * linear(c.r) + 0.7152 * linear(c.g) + 0.0722 * linear(c.b);
+}
 
 double contrast(Rgb a, Rgb b) {
   const double la = luminance(a), lb = luminance(b);
@@ -50,7 +52,9 @@ double contrast(Rgb a, Rgb b) {
 }
 
 Rgb toward(Rgb c, int end, double share) {
-  const auto mix = [&](std::uint8_t v) { return static_cast<std::uint8_t>(std::lround(v + (end - v) * share)); };
+  const auto mix = [&](std::uint8_t v) {
+    return static_cast<std::uint8_t>(std::lround(v + (end - v) * share));
+  };
   return {mix(c.r), mix(c.g), mix(c.b)};
 }
 
@@ -63,7 +67,9 @@ Rgb indexedColor(int index) {
   return kNamed[6];
 }
 
-Rgb groundColor(Ground ground) { return ground == Ground::light ? Rgb{255, 255, 255} : Rgb{24, 28, 34}; }
+Rgb groundColor(Ground ground) {
+  return ground == Ground::light ? Rgb{255, 255, 255} : Rgb{24, 28, 34};
+}
 
 Rgb shownColor(int index, Ground ground) {
   const bool light = ground == Ground::light;

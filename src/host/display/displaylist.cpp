@@ -11,8 +11,12 @@ namespace tarnex {
 
 namespace {
 
-bool drawable(double v) { return std::abs(v) <= kFarthestDrawn; }  // false for what is no number
-bool drawable(const AcGePoint3d& p) { return drawable(p.x) && drawable(p.y) && drawable(p.z); }
+bool drawable(double v) {
+  return std::abs(v) <= kFarthestDrawn;
+}  // false for what is no number
+bool drawable(const AcGePoint3d& p) {
+  return drawable(p.x) && drawable(p.y) && drawable(p.z);
+}
 
 bool sameName(std::string_view a, std::string_view b) {
   const auto low = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
@@ -21,7 +25,8 @@ bool sameName(std::string_view a, std::string_view b) {
 
 double realHeader(const AcDbDatabase& drawing, const char* name, double otherwise) {
   const auto found = drawing.headerVariables.find(name);
-  const auto* value = found == drawing.headerVariables.end() ? nullptr : std::get_if<double>(&found->second.value);
+  const auto* value =
+      found == drawing.headerVariables.end() ? nullptr : std::get_if<double>(&found->second.value);
   return value && *value > 0 && std::isfinite(*value) ? *value : otherwise;
 }
 
@@ -47,7 +52,8 @@ DisplayList buildDisplayList(const AcDbDatabase& drawing, const DisplayOptions& 
   return list;
 }
 
-// ---- what is in force ------------------------------------------------------------------------------------------
+// ---- what is in force
+// ------------------------------------------------------------------------------------------
 
 void DisplayRecorder::record(const AcDbEntity& entity) {
   entity_ = &entity;
@@ -63,7 +69,8 @@ void DisplayRecorder::record(const AcDbEntity& entity) {
 
 const AcDbLayerTableRecord* DisplayRecorder::layerOf(const AcDbEntity& entity) const {
   if (!drawing_) return nullptr;
-  return drawing_->peek<AcDbLayerTableRecord>(entity.layerId().isNull() ? drawing_->layer("0") : entity.layerId());
+  return drawing_->peek<AcDbLayerTableRecord>(entity.layerId().isNull() ? drawing_->layer("0")
+                                                                        : entity.layerId());
 }
 
 const AcDbLinetypeTableRecord* DisplayRecorder::linetypeOf(const AcDbEntity& entity) const {
@@ -96,16 +103,18 @@ void DisplayRecorder::setColor(int index) {
 void DisplayRecorder::setLineType(std::string_view name) {
   if (entity_ && sameName(name, "ByLayer")) {
     const auto* layer = layerOf(*entity_);
-    now_.pattern = layer && drawing_ ? patternOf(drawing_->peek<AcDbLinetypeTableRecord>(layer->linetypeId())) : 0;
-  } else if (const auto* record = drawing_ ? drawing_->peek<AcDbLinetypeTableRecord>(drawing_->linetype(name))
-                                           : nullptr) {
+    now_.pattern =
+        layer && drawing_ ? patternOf(drawing_->peek<AcDbLinetypeTableRecord>(layer->linetypeId())) : 0;
+  } else if (const auto* record =
+                 drawing_ ? drawing_->peek<AcDbLinetypeTableRecord>(drawing_->linetype(name)) : nullptr) {
     now_.pattern = patternOf(record);
   } else if (const auto host = hostLinetype(name)) {
     now_.pattern = patternNamed(host->name, host->dashes);
   }
 }
 
-// ---- primitives ------------------------------------------------------------------------------------------------
+// ---- primitives
+// ------------------------------------------------------------------------------------------------
 
 template <class Shape>
 void DisplayRecorder::add(Shape shape, bool drawable) {
@@ -120,7 +129,8 @@ void DisplayRecorder::add(Shape shape, bool drawable) {
 
 void DisplayRecorder::polyline(std::span<const AcGePoint3d> points) {
   if (points.empty()) return;
-  const bool good = std::all_of(points.begin(), points.end(), [](const AcGePoint3d& p) { return drawable(p); });
+  const bool good =
+      std::all_of(points.begin(), points.end(), [](const AcGePoint3d& p) { return drawable(p); });
   add(DrawnPolyline{{points.begin(), points.end()}}, good);
 }
 
@@ -128,7 +138,8 @@ void DisplayRecorder::circle(const AcGePoint3d& centre, double radius) {
   add(DrawnCircle{centre, std::abs(radius)}, drawable(centre) && drawable(radius));
 }
 
-void DisplayRecorder::circularArc(const AcGePoint3d& start, const AcGePoint3d& point, const AcGePoint3d& end) {
+void DisplayRecorder::circularArc(const AcGePoint3d& start, const AcGePoint3d& point,
+                                  const AcGePoint3d& end) {
   add(DrawnArc{start, point, end}, drawable(start) && drawable(point) && drawable(end));
 }
 
@@ -137,7 +148,8 @@ void DisplayRecorder::text(const AcGePoint3d& position, AcGeVector3d direction, 
   if (utf8.empty()) return;
   const AcGeVector2d along = AcGeVector2d{direction.x, direction.y}.normal();
   const bool good = drawable(position) && drawable(along.x) && drawable(along.y) && drawable(height);
-  add(DrawnText{position, along.length() > 0 ? along : AcGeVector2d{1, 0}, std::abs(height), shownText(utf8)}, good);
+  add(DrawnText{position, along.length() > 0 ? along : AcGeVector2d{1, 0}, std::abs(height), shownText(utf8)},
+      good);
 }
 
 }  // namespace tarnex

@@ -1,5 +1,6 @@
-// What a drawing shows: the primitives of its entities in the order drawn, with colour, line pattern, selection
-// marker and owner resolved. Knows entities by what they draw; paper, pixels and files are the painters'.
+// What a drawing shows: the primitives of its entities in the order drawn, with colour, line pattern,
+// selection marker and owner resolved. Knows entities by what they draw; paper, pixels and files are the
+// painters'.
 #pragma once
 
 #include <functional>
@@ -31,10 +32,10 @@ struct DrawnArc {
   AcGePoint3d start, point, end;  // through `point`
 };
 struct DrawnText {
-  AcGePoint3d position;       // left end of the base line
-  AcGeVector2d direction;     // of the base line, unit
-  double height = 0;          // of capitals, mm
-  std::string utf8;           // as a reader sees it: codes such as %%c are characters here
+  AcGePoint3d position;    // left end of the base line
+  AcGeVector2d direction;  // of the base line, unit
+  double height = 0;       // of capitals, mm
+  std::string utf8;        // as a reader sees it: codes such as %%c are characters here
 };
 
 struct Primitive {
@@ -65,14 +66,15 @@ struct DisplayOptions {
   const void* applicationContext = nullptr;                  // handed to the entities, see AcGiWorldDraw
 };
 
-// Shown entities of model space in drawing order. The drawing stays as it is: a line type that an entity asks for
-// and the drawing lacks is taken from the host's own set.
+// Shown entities of model space in drawing order. The drawing stays as it is: a line type that an entity asks
+// for and the drawing lacks is taken from the host's own set.
 [[nodiscard]] DisplayList buildDisplayList(const AcDbDatabase& drawing, const DisplayOptions& options = {});
 
 // Records entities one by one, for views that keep their list up to date.
 class DisplayRecorder final : public AcGiWorldDraw {
  public:
-  // Null `drawing`: entities that are in none; "by layer" is the foreground colour then. All outlive the recorder.
+  // Null `drawing`: entities that are in none; "by layer" is the foreground colour then. All outlive the
+  // recorder.
   DisplayRecorder(DisplayList& list, const AcDbDatabase* drawing, const void* context = nullptr)
       : list_(list), drawing_(drawing), context_(context) {}
   void record(const AcDbEntity& entity);
@@ -83,7 +85,8 @@ class DisplayRecorder final : public AcGiWorldDraw {
   void polyline(std::span<const AcGePoint3d> points) override;
   void circle(const AcGePoint3d& centre, double radius) override;
   void circularArc(const AcGePoint3d& start, const AcGePoint3d& point, const AcGePoint3d& end) override;
-  void text(const AcGePoint3d& position, AcGeVector3d direction, double height, std::string_view utf8) override;
+  void text(const AcGePoint3d& position, AcGeVector3d direction, double height,
+            std::string_view utf8) override;
   [[nodiscard]] const void* applicationContext() const override { return context_; }
 
  private:
@@ -98,8 +101,8 @@ class DisplayRecorder final : public AcGiWorldDraw {
   const AcDbDatabase* drawing_;
   const void* context_;
   const AcDbEntity* entity_ = nullptr;
-  Primitive now_;          // what is in force, without a shape
-  Extents2d entityBox_;    // of what the entity has drawn so far
+  Primitive now_;                               // what is in force, without a shape
+  Extents2d entityBox_;                         // of what the entity has drawn so far
   std::unordered_map<std::string, int> known_;  // patterns by name
 };
 

@@ -14,10 +14,13 @@ constexpr double kEmptyDrawing = 100;    // mm that a page without content shows
 constexpr double kSmallestShown = 1e-6;  // mm; below it there is nothing to see but rounding
 constexpr double kFlattest = 0.01;       // of the longer side; a lone line still gets a page that can be seen
 
-double sane(double mm) { return std::isfinite(mm) && mm > 0 ? mm : 0; }
+double sane(double mm) {
+  return std::isfinite(mm) && mm > 0 ? mm : 0;
+}
 
 bool finite(const Extents2d& e) {
-  return std::isfinite(e.low.x) && std::isfinite(e.low.y) && std::isfinite(e.high.x) && std::isfinite(e.high.y);
+  return std::isfinite(e.low.x) && std::isfinite(e.low.y) && std::isfinite(e.high.x) &&
+         std::isfinite(e.high.y);
 }
 
 // The box with at least `side` of width and height, about its middle.
@@ -38,8 +41,41 @@ Extents2d shownPart(const Extents2d& drawn, const PageOptions& options) {
   return atLeast(box, std::max(longer * kFlattest, kSmallestShown));
 }
 
+// Keeps the labels of one entity apart.
+class Labels {
+ public:
+  DrawnText placed(const Primitive& p, const DrawnText& text) {
+    if (p.marker < 0) return text;
+    if (p.owner != owner_ || p.owner.isNull()) taken_.clear();
+    owner_ = p.owner;
+    DrawnText moved = text;
+    Primitive probe;
+    for (int turn = 0; turn <= kMostMoves; ++turn) {
+      const int lines = (turn % 2 ? -1 : 1) * ((turn + 1) / 2);  // 0, below, above, two below ...
+      const AcGeVector2d by = text.direction.perpVector() * (lines * kLineStep * text.height);
+      moved.position = text.position + AcGeVector3d{by.x, by.y, 0};
+      probe.shape = moved;
+      const Extents2d box = extentsOf(probe);
+      if (std::any_of(taken_.begin(), taken_.end(),
+                      [&](const Extents2d& other) { return other.overlaps(box); }))
+        continue;
+      taken_.push_back(box);
+      return moved;
+    }
+    return text;
+  }
+
+ private:
+  static constexpr int kMostMoves = 8;
+  static constexpr double kLineStep = 1.4;  // of the height
+  AcDbObjectId owner_;
+  std::vector<Extents2d> taken_;
+};
+
 struct Dispatch {
   Painter& painter;
+  Labels& labels;
+  const Primitive& primitive;
   void operator()(const DrawnPolyline& s) const { painter.polyline(s.points); }
   void operator()(const DrawnCircle& s) const { painter.circle(s.centre.flat(), s.radius); }
   void operator()(const DrawnArc& s) const {
@@ -53,7 +89,7 @@ struct Dispatch {
       painter.polyline(points);
     }
   }
-  void operator()(const DrawnText& s) const { painter.text(s); }
+  void operator()(const DrawnText& s) const { painter.text(labels.placed(primitive, s)); }
 };
 
 }  // namespace
@@ -77,13 +113,14 @@ Page layoutPage(const Extents2d& drawn, const PageOptions& options) {
 }
 
 void paint(const DisplayList& list, const Extents2d& shown, Painter& painter) {
+  Labels labels;
   int color = 0, pattern = -1;
   for (const Primitive& p : list.primitives) {
     if (!extentsOf(p).overlaps(shown)) continue;
     if (p.color != color || p.pattern != pattern) painter.pen(p.color, p.pattern);
     color = p.color;
     pattern = p.pattern;
-    std::visit(Dispatch{painter}, p.shape);
+    std::visit(Dispatch{painter, labels, p}, p.shape);
   }
 }
 

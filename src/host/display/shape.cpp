@@ -60,12 +60,26 @@ char32_t codeCharacter(std::string_view text, std::size_t& at, bool& known) {
   known = true;
   at += 3;
   switch (c) {
-    case 'c': case 'C': return 0x2300;
-    case 'd': case 'D': return 0xB0;
-    case 'p': case 'P': return 0xB1;
-    case '%': return '%';
-    case 'u': case 'U': case 'o': case 'O': case 'k': case 'K': return 0;
-    default: break;
+    case 'c':
+    case 'C':
+      return 0x2300;
+    case 'd':
+    case 'D':
+      return 0xB0;
+    case 'p':
+    case 'P':
+      return 0xB1;
+    case '%':
+      return '%';
+    case 'u':
+    case 'U':
+    case 'o':
+    case 'O':
+    case 'k':
+    case 'K':
+      return 0;
+    default:
+      break;
   }
   char32_t number = 0;
   std::size_t i = at - 1;
@@ -78,10 +92,12 @@ char32_t codeCharacter(std::string_view text, std::size_t& at, bool& known) {
 
 }  // namespace
 
-Extents2d extentsOf(const Primitive& p) { return std::visit(ShapeExtents{}, p.shape); }
+Extents2d extentsOf(const Primitive& p) {
+  return std::visit(ShapeExtents{}, p.shape);
+}
 
-// The turn at the middle point, from its chord to the next, is half the sweep whatever point of the arc it is: right
-// also for arcs of a hair's breadth, where angles at the far centre have no digits left.
+// The turn at the middle point, from its chord to the next, is half the sweep whatever point of the arc it
+// is: right also for arcs of a hair's breadth, where angles at the far centre have no digits left.
 std::optional<ArcCurve> arcThrough(const DrawnArc& arc) {
   const AcGePoint2d s = arc.start.flat(), p = arc.point.flat(), e = arc.end.flat();
   if (s == e && s != p) return ArcCurve{midpoint(s, p), s.distanceTo(p) / 2, acutAngle(p, s), 2 * kPi};
@@ -91,7 +107,8 @@ std::optional<ArcCurve> arcThrough(const DrawnArc& arc) {
   const AcGeVector2d toCentre{(b.y * aa - a.y * bb) / twice, (a.x * bb - b.x * aa) / twice};
   const double radius = toCentre.length();
   if (!std::isfinite(radius) || !(radius > 0) || radius > kFarthestDrawn) return {};
-  return ArcCurve{s + toCentre, radius, (-toCentre).angle(), 2 * std::atan2(a.crossProduct(c), a.dotProduct(c))};
+  return ArcCurve{s + toCentre, radius, (-toCentre).angle(),
+                  2 * std::atan2(a.crossProduct(c), a.dotProduct(c))};
 }
 
 double textWidth(const DrawnText& text) {

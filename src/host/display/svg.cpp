@@ -19,14 +19,15 @@ constexpr std::size_t kLongestPath = 30'000;  // letters; readers of XML set lim
 constexpr double kCapitals = 0.72;            // height of capitals in sizes of the usual sans-serif fonts
 constexpr double kFinestPattern = 0.5;        // mm on paper; a finer one is but a grey line
 constexpr std::size_t kMostDashes = 64;
-constexpr double kPixelsPerMm = 96 / 25.4;    // the unit of style sheets
+constexpr double kPixelsPerMm = 96 / 25.4;  // the unit of style sheets
 
 // Runs of the same kind are one; a pattern that begins with a gap begins with its first dash instead. Empty:
 // continuous.
 std::vector<double> dashesAndGaps(const LinePattern& pattern, double scale) {
   std::vector<double> lengths;  // dash, gap, dash, gap ...
   if (pattern.dashes.size() > kMostDashes) return {};
-  const auto first = std::find_if(pattern.dashes.begin(), pattern.dashes.end(), [](double d) { return d >= 0; });
+  const auto first =
+      std::find_if(pattern.dashes.begin(), pattern.dashes.end(), [](double d) { return d >= 0; });
   std::vector<double> turned(first, pattern.dashes.end());
   turned.insert(turned.end(), pattern.dashes.begin(), first);
   for (const double d : turned) {
@@ -45,11 +46,21 @@ void appendEscaped(std::string& out, std::string_view utf8) {
   for (std::size_t at = 0; at < utf8.size();) {
     const char32_t c = nextCodePoint(utf8, at);
     switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case 0xFFFE: case 0xFFFF: appendUtf8(out, 0xFFFD); break;
-      default: appendUtf8(out, c < 0x20 || c == 0x7F ? U' ' : c);
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case 0xFFFE:
+      case 0xFFFF:
+        appendUtf8(out, 0xFFFD);
+        break;
+      default:
+        appendUtf8(out, c < 0x20 || c == 0x7F ? U' ' : c);
     }
   }
 }
@@ -62,8 +73,12 @@ int decimalsFor(double scale) {
 class SvgPainter final : public Painter {
  public:
   SvgPainter(const DisplayList& list, const SvgOptions& options, const Page& page, const Sink& sink)
-      : list_(list), options_(options), page_(page), sink_(sink),
-        grid_{{page.shown.low.x, page.shown.high.y}, decimalsFor(page.scale)}, path_(grid_) {}
+      : list_(list),
+        options_(options),
+        page_(page),
+        sink_(sink),
+        grid_{{page.shown.low.x, page.shown.high.y}, decimalsFor(page.scale)},
+        path_(grid_) {}
 
   void begin();
   void end() {
@@ -127,9 +142,10 @@ void SvgPainter::begin() {
         mm(size.y) + "\" xml:space=\"preserve\">\n");
   sink_(formatted("<desc>Units are mm of the drawing from its point (%.3f, %.3f); scale %.6g : 1</desc>\n",
                   page_.shown.low.x, page_.shown.high.y, page_.scale));
-  sink_(formatted("<style>@supports (vector-effect:non-scaling-stroke){path:not([stroke-dasharray])"
-                  "{vector-effect:non-scaling-stroke;stroke-width:%.3gpx}}</style>\n",
-                  pen * kPixelsPerMm));
+  sink_(
+      formatted("<style>@supports (vector-effect:non-scaling-stroke){path:not([stroke-dasharray])"
+                "{vector-effect:non-scaling-stroke;stroke-width:%.3gpx}}</style>\n",
+                pen * kPixelsPerMm));
   sink_("<rect width=\"100%\" height=\"100%\" fill=\"" + ground + "\"/>\n<g fill=\"none\" stroke-width=\"" +
         mm(pen / page_.scale) + "\" stroke-linecap=\"round\" stroke-linejoin=\"round\" stroke=\"" + ground +
         "\" paint-order=\"stroke\" font-family=\"Arial,Helvetica,'DejaVu Sans',sans-serif\">\n");
@@ -153,7 +169,8 @@ void SvgPainter::text(const DrawnText& text) {
   std::string x, y;
   appendCount(x, at.x, grid_.decimals);
   appendCount(y, at.y, grid_.decimals);
-  std::string element = "<text fill=\"" + color_ + "\" font-size=\"" + mm(size) + "\" x=\"" + x + "\" y=\"" + y + '"';
+  std::string element =
+      "<text fill=\"" + color_ + "\" font-size=\"" + mm(size) + "\" x=\"" + x + "\" y=\"" + y + '"';
   const long long turn = std::llround(-std::atan2(text.direction.y, text.direction.x) * 180 / kPi * 1000);
   if (turn != 0) {
     element += " transform=\"rotate(";
@@ -181,7 +198,8 @@ std::string svgText(const DisplayList& list, const SvgOptions& options) {
   return text;
 }
 
-std::optional<FileError> writeSvg(const std::string& path, const DisplayList& list, const SvgOptions& options) {
+std::optional<FileError> writeSvg(const std::string& path, const DisplayList& list,
+                                  const SvgOptions& options) {
   AtomicFile file(path);
   write(list, options, [&](std::string_view piece) { file.write(piece); });
   return file.commit();

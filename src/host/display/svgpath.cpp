@@ -11,19 +11,25 @@ namespace tarnex {
 namespace {
 
 constexpr double kMostSteps = 4e15;  // exact in a double and in a count
-// A longer arc is written in pieces: near half a turn the centre hangs on the last digit of the radius, near a full
-// one on that of the end point.
+// A longer arc is written in pieces: near half a turn the centre hangs on the last digit of the radius, near
+// a full one on that of the end point.
 const double kLongestPiece = 2 * kPi / 3;  // radians
-// Below it a viewer that counts with seven digits loses the arc's centre; a parabola through the same tangents is
-// nearer than a millionth of its height.
+// Below it a viewer that counts with seven digits loses the arc's centre; a parabola through the same
+// tangents is nearer than a millionth of its height.
 constexpr double kShallow = 1e-3;  // radians
 
-long long held(double steps) { return std::llround(std::clamp(steps, -kMostSteps, kMostSteps)); }
+long long held(double steps) {
+  return std::llround(std::clamp(steps, -kMostSteps, kMostSteps));
+}
 
 }  // namespace
 
-double Grid::steps() const { return std::pow(10.0, decimals); }
-long long Grid::count(double mm) const { return held(mm * steps()); }
+double Grid::steps() const {
+  return std::pow(10.0, decimals);
+}
+long long Grid::count(double mm) const {
+  return held(mm * steps());
+}
 
 void appendCount(std::string& out, long long count, int decimals) {
   if (count < 0) out += '-';
@@ -44,7 +50,9 @@ void appendCount(std::string& out, long long count, int decimals) {
   }
 }
 
-void SvgPath::command(char letter) { data_ += letter; }
+void SvgPath::command(char letter) {
+  data_ += letter;
+}
 
 void SvgPath::number(long long count) {
   const char before = data_.back();
@@ -93,11 +101,13 @@ void SvgPath::arcTo(const ArcCurve& arc, AcGePoint2d end) {
   for (double i = 1; i <= pieces; ++i) {
     const ArcCurve piece{arc.centre, arc.radius, arc.startAngle, arc.sweep / pieces};
     const bool last = i >= pieces;
-    arcPiece(piece, exactAt_, last ? end : acutPolar(arc.centre, arc.startAngle + i * piece.sweep, arc.radius));
+    arcPiece(piece, exactAt_,
+             last ? end : acutPolar(arc.centre, arc.startAngle + i * piece.sweep, arc.radius));
   }
 }
 
-// Counter-clockwise in the drawing is so on the page too, which SVG, with y downward, calls the negative direction.
+// Counter-clockwise in the drawing is so on the page too, which SVG, with y downward, calls the negative
+// direction.
 void SvgPath::arcPiece(const ArcCurve& piece, AcGePoint2d from, AcGePoint2d to) {
   const GridPoint p = grid_.at(to);
   const double height = 2 * piece.radius * std::pow(std::sin(piece.sweep / 4), 2);

@@ -1,5 +1,6 @@
-// Path data of SVG: coordinates on a grid, so that steps from point to point add up exactly, in as few letters as can be.
-// Knows numbers and path commands; colours and elements are the writer's. For this folder only.
+// Path data of SVG: coordinates on a grid, so that steps from point to point add up exactly, in as few
+// letters as can be. Knows numbers and path commands; colours and elements are the writer's. For this folder
+// only.
 #pragma once
 
 #include <string>
@@ -14,9 +15,9 @@ struct GridPoint {
 };
 
 struct Grid {
-  AcGePoint2d corner;   // upper left, drawing mm
-  int decimals = 3;     // a step is 10^-decimals mm, 0 to 9
-  [[nodiscard]] double steps() const;         // per mm
+  AcGePoint2d corner;                              // upper left, drawing mm
+  int decimals = 3;                                // a step is 10^-decimals mm, 0 to 9
+  [[nodiscard]] double steps() const;              // per mm
   [[nodiscard]] long long count(double mm) const;  // rounded; held within what a double counts exactly
   [[nodiscard]] GridPoint at(AcGePoint2d p) const { return {count(p.x - corner.x), count(corner.y - p.y)}; }
 };
@@ -48,8 +49,8 @@ class SvgPath {
   std::string data_;
   GridPoint start_, at_;
   AcGePoint2d exactAt_;
-  int steps_ = 0;       // of the running line
-  bool open_ = false;   // a line is running
+  int steps_ = 0;      // of the running line
+  bool open_ = false;  // a line is running
 };
 
 }  // namespace tarnex

@@ -104,9 +104,9 @@ std::set<std::pair<std::string, std::string>> endlessReferences(TagReader tags) 
         inBlock = true;
       }
     } else if (inInsert && code == 70) {
-      columns = static_cast<double>(std::clamp(tags.integer(1), 1LL, 32767LL));
+      columns = static_cast<double>(std::clamp(tags.integer(1), 1LL, kMostCopies));
     } else if (inInsert && code == 71) {
-      rows = static_cast<double>(std::clamp(tags.integer(1), 1LL, 32767LL));
+      rows = static_cast<double>(std::clamp(tags.integer(1), 1LL, kMostCopies));
     }
   }
   insertEnds();

@@ -59,6 +59,10 @@ struct EntityHead {
 // Largest coordinate or length that is taken for one, in drawing units.
 inline constexpr double kLargestNumber = 1e15;
 
+inline constexpr long long kMostCopies = 32767;  // columns or rows of a reference
+inline constexpr double kFlatNormal =
+    1e-9;  // sideways part of a unit normal that is still the drawing's plane
+
 class EntityParser {
  public:
   // The block of a name (as it stands in the file), for references; called while an INSERT or DIMENSION is
@@ -110,8 +114,12 @@ class EntityParser {
   template <class Each>
   void children(std::string_view childType, Each each);
   void skipChildren();
-  std::unique_ptr<AcDbEntity> splineOf(NurbsCurve& curve, std::vector<AcGePoint3d>& fit, int flags,
-                                       const AcGeVector2d tangents[2]);
+  struct InsertTags;
+  void insertTag(InsertTags& i);
+  std::unique_ptr<AcDbEntity> reference(const InsertTags& i, AcDbObjectId block) const;
+  struct SplineTags;
+  bool splinePoint(SplineTags& s);
+  std::unique_ptr<AcDbEntity> planeSpline(SplineTags& s, double elevation);
   void addKeptPoint();
 
   TagReader tags_;

@@ -112,103 +112,102 @@ std::string check(NurbsCurve& c, std::string& remark) {
 
 }  // namespace
 
-std::unique_ptr<AcDbEntity> EntityParser::spline() {
-  NurbsCurve curve;
+// What the tags say, before any of it is judged.
+struct EntityParser::SplineTags {
+  NurbsCurve curve;  // without control points
   std::vector<AcGePoint3d> control, fit;
   AcGeVector2d tangents[2];
   int flags = 0;
+};
+
+bool EntityParser::splinePoint(SplineTags& s) {
+  const int code = tags_.code();
+  std::vector<AcGePoint3d>& list = code % 10 == 0 ? s.control : s.fit;
+  switch (code) {
+    case 10:
+    case 11:
+      list.push_back({length(), 0, 0});
+      return true;
+    case 20:
+    case 21:
+      if (!list.empty()) list.back().y = length();
+      return true;
+    case 30:
+    case 31:
+      if (!list.empty()) list.back().z = length();
+      return true;
+    case 12:
+    case 13:
+      s.tangents[code - 12].x = number();
+      return true;
+    case 22:
+    case 23:
+      s.tangents[code - 22].y = number();
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::unique_ptr<AcDbEntity> EntityParser::spline() {
+  SplineTags s;
   while (body()) {
+    if (splinePoint(s)) continue;
     switch (tags_.code()) {
       case 70:
-        flags = static_cast<int>(tags_.integer());
+        s.flags = static_cast<int>(tags_.integer());
         break;
       case 71:
-        curve.degree = static_cast<int>(std::clamp(tags_.integer(), -1LL, 999LL));
+        s.curve.degree = static_cast<int>(std::clamp(tags_.integer(), -1LL, 999LL));
         break;
       case 40:
-        curve.knots.push_back(number());
+        s.curve.knots.push_back(number());
         break;
       case 41:
-        curve.weights.push_back(number());
-        break;
-      case 10:
-        control.push_back({length(), 0, 0});
-        break;
-      case 20:
-        if (!control.empty()) control.back().y = length();
-        break;
-      case 30:
-        if (!control.empty()) control.back().z = length();
-        break;
-      case 11:
-        fit.push_back({length(), 0, 0});
-        break;
-      case 21:
-        if (!fit.empty()) fit.back().y = length();
-        break;
-      case 31:
-        if (!fit.empty()) fit.back().z = length();
-        break;
-      case 12:
-        tangents[0].x = number();
-        break;
-      case 22:
-        tangents[0].y = number();
-        break;
-      case 13:
-        tangents[1].x = number();
-        break;
-      case 23:
-        tangents[1].y = number();
+        s.curve.weights.push_back(number());
         break;
       default:
         break;
     }
   }
   if (head_.cut || head_.notUsable) return nullptr;
-  if (control.empty() && fit.empty()) return missing("control points and fit points");
-  const std::vector<AcGePoint3d>& given = control.empty() ? fit : control;
+  const std::vector<AcGePoint3d>& given = s.control.empty() ? s.fit : s.control;
+  if (given.empty()) return missing("control points and fit points");
   double size = 0;
   for (const AcGePoint3d& p : given) {
     keptExtents_.add(p.flat());
     size = std::max({size, std::abs(p.x), std::abs(p.y), std::abs(p.z)});
   }
-  for (const AcGePoint3d& p : given) {
-    if (std::abs(p.z - given.front().z) <= kPlanar * size) continue;
-    auto e = std::make_unique<AcDbKeptEntity>(std::string(head_.type), keptExtents_);
-    e->setThreeDimensional(true);
-    return e;
-  }
-  for (const AcGePoint3d& p : control) curve.control.push_back(p.flat());
-  vertices_.clear();
-  keptPoint_ = {given.front().z, 0};
-  return splineOf(curve, fit, flags, tangents);
+  const bool plane = std::all_of(given.begin(), given.end(), [&](const AcGePoint3d& p) {
+    return std::abs(p.z - given.front().z) <= kPlanar * size;
+  });
+  if (plane) return planeSpline(s, given.front().z);
+  auto e = std::make_unique<AcDbKeptEntity>(std::string(head_.type), keptExtents_);
+  e->setThreeDimensional(true);
+  return e;
 }
 
-std::unique_ptr<AcDbEntity> EntityParser::splineOf(NurbsCurve& curve, std::vector<AcGePoint3d>& fit,
-                                                   int flags, const AcGeVector2d tangents[2]) {
+std::unique_ptr<AcDbEntity> EntityParser::planeSpline(SplineTags& s, double elevation) {
   std::vector<AcGePoint2d> points;
-  for (const AcGePoint3d& p : fit) points.push_back(p.flat());
-  const double elevation = keptPoint_.x;
+  for (const AcGePoint3d& p : s.fit) points.push_back(p.flat());
+  for (const AcGePoint3d& p : s.control) s.curve.control.push_back(p.flat());
   std::string problem;
-  if (curve.control.empty()) {
+  if (s.control.empty()) {
     std::vector<AcGePoint2d> round = points;
-    const bool closed = (flags & (kSplineClosed | kSplinePeriodic)) != 0;
+    const bool closed = (s.flags & (kSplineClosed | kSplinePeriodic)) != 0;
     if (closed && !(round.front() == round.back())) round.push_back(round.front());
     const auto given = [](AcGeVector2d v) { return v.length() > 0 ? std::optional(v) : std::nullopt; };
-    std::optional<NurbsCurve> through = nurbsThrough(round, given(tangents[0]), given(tangents[1]));
+    std::optional<NurbsCurve> through = nurbsThrough(round, given(s.tangents[0]), given(s.tangents[1]));
     if (through)
-      curve = std::move(*through);
+      s.curve = std::move(*through);
     else
       problem = "spline through fewer than two different points, it isn't used";
   } else {
-    problem = check(curve, head_.remark);
+    problem = check(s.curve, head_.remark);
   }
-  if (!problem.empty()) {
-    head_.remark = problem;
-    return std::make_unique<AcDbKeptEntity>(std::string(head_.type), keptExtents_);
-  }
-  return std::make_unique<AcDbSpline>(std::move(curve), std::move(points), elevation);
+  if (problem.empty()) return std::make_unique<AcDbSpline>(std::move(s.curve), std::move(points), elevation);
+  head_.remark = problem;
+  return std::make_unique<AcDbKeptEntity>(std::string(head_.type), keptExtents_);
 }
 
 }  // namespace tarnex

@@ -28,12 +28,31 @@ void DxfReader::blocks() {
 void DxfReader::block() {
   DxfBlock b;
   b.begin = tags_.tagOffset();
-  std::string_view name;
+  b.id = blockHead();
+  block_ = b.id;
+  entities(b.id, false);
+  b.bodyEnd = b.end = tags_.offset();
+  if (tags_.next() && tags_.is("ENDBLK")) {
+    while (tags_.next() && tags_.code() != 0)
+      if (tags_.code() == 5) handleSeen(tags_.handle());
+    tags_.stepBack();
+    b.end = tags_.offset();
+  } else {
+    note(b.bodyEnd, "the block " + doc_.codec.decode(blockName_) + " has no end");
+    tags_.stepBack();
+  }
+  doc_.blocks.push_back(b);
+  blockName_ = {};
+}
+
+// The BLOCK entity itself; the block may be there from its record or from a reference.
+AcDbObjectId DxfReader::blockHead() {
   AcGePoint3d origin;
+  blockName_ = {};
   while (nextOrResync() && tags_.code() != 0) {
     switch (tags_.code()) {
       case 2:
-        if (name.empty()) name = tags_.word();
+        if (blockName_.empty()) blockName_ = tags_.word();
         break;
       case 5:
         handleSeen(tags_.handle());
@@ -52,35 +71,18 @@ void DxfReader::block() {
     }
   }
   tags_.stepBack();
-  std::string known = doc_.codec.decode(name);
-  if (!known.empty() && known.front() == '$' &&
-      (capitals(known) == "$MODEL_SPACE" || capitals(known) == "$PAPER_SPACE"))
-    known.front() = '*';
-  b.id = db_.block(known);
-  if (auto there = db_.open<AcDbBlockTableRecord>(b.id, OpenMode::kForWrite)) {
-    there->origin = origin;  // from the table, or named by a reference before
-  } else {
-    ensureSeed();
-    auto record = std::make_unique<AcDbBlockTableRecord>();
-    record->setName(known);
-    record->origin = origin;
-    b.id = db_.addBlock(std::move(record));
+  std::string name = doc_.codec.decode(blockName_);
+  if (capitals(name) == "$MODEL_SPACE" || capitals(name) == "$PAPER_SPACE") name.front() = '*';
+  const AcDbObjectId known = db_.block(name);
+  if (auto there = db_.open<AcDbBlockTableRecord>(known, OpenMode::kForWrite)) {
+    there->origin = origin;
+    return known;
   }
-  block_ = b.id;
-  blockName_ = name;
-  entities(b.id, false);
-  b.bodyEnd = b.end = tags_.offset();
-  if (tags_.next() && tags_.is("ENDBLK")) {
-    while (tags_.next() && tags_.code() != 0)
-      if (tags_.code() == 5) handleSeen(tags_.handle());
-    tags_.stepBack();
-    b.end = tags_.offset();
-  } else {
-    note(b.bodyEnd, "the block " + known + " has no end");
-    tags_.stepBack();
-  }
-  doc_.blocks.push_back(std::move(b));
-  blockName_ = {};
+  ensureSeed();
+  auto record = std::make_unique<AcDbBlockTableRecord>();
+  record->setName(name);
+  record->origin = origin;
+  return db_.addBlock(std::move(record));
 }
 
 void DxfReader::entities(AcDbObjectId owner, bool byPaperFlag) {

@@ -76,8 +76,11 @@ void DxfReader::applyHeader() {
   applyVersionAndPage();
   applyUnits();
   applyUcs();
-  for (auto& [name, item] : db_.headerVariables)
-    if (auto* text = std::get_if<std::string>(&item.value)) *text = doc_.codec.decode(*text);
+  for (; headerDecoded_ < doc_.header.size(); ++headerDecoded_) {
+    const auto it = db_.headerVariables.find(doc_.header[headerDecoded_].name);
+    if (it == db_.headerVariables.end()) continue;
+    if (auto* text = std::get_if<std::string>(&it->second.value)) *text = doc_.codec.decode(*text);
+  }
   std::uint64_t seed = 0;
   const std::string word = headerText("$HANDSEED");
   for (const char c : word.substr(0, 17)) {

@@ -68,6 +68,7 @@ std::vector<std::pair<std::string, ResBufChain>> readExtendedData(TagReader tags
   std::vector<std::pair<std::string, ResBufChain>> all;
   tags.seek(offset);
   while (tags.next() && tags.code() >= 1000) {
+    if (tags.code() == 1001 && all.size() == kMostApplications) break;
     if (tags.code() == 1001)
       all.emplace_back(codec.decode(tags.word()), ResBufChain{});
     else if (!all.empty())

@@ -66,6 +66,7 @@ class DxfReader {
   // ---- blocks and entities (read_entities.cpp)
   void blocks();
   void block();
+  [[nodiscard]] AcDbObjectId blockHead();
   void entities(AcDbObjectId owner, bool byPaperFlag);
   void entity(AcDbObjectId owner, bool byPaperFlag);
   void take(std::unique_ptr<AcDbEntity> e, AcDbObjectId owner, std::size_t begin);
@@ -103,6 +104,7 @@ class DxfReader {
   TagReader& tags_;        // the parser's
   bool anything_ = false;  // a section or an entity was recognised
   bool seedKnown_ = false;
+  std::size_t headerDecoded_ = 0;  // header variables whose texts are decoded
   std::vector<std::pair<std::size_t, std::string>> notes_;
   std::size_t notesDropped_ = 0;
   std::array<long, kEntityKinds> kindCounts_{}, modelCounts_{};
@@ -118,7 +120,9 @@ class DxfReader {
   std::uint64_t recordPlace_ = 0;  // xrecord of the entity that was just made from its record
 };
 
-// Extended data of the entity or record whose first 1001 tag stands at `offset`, application by application.
+// Extended data of the entity or record whose first 1001 tag stands at `offset`, application by application,
+// of at most kMostApplications; what goes beyond stays in the file alone.
+inline constexpr std::size_t kMostApplications = 500;
 [[nodiscard]] std::vector<std::pair<std::string, ResBufChain>> readExtendedData(TagReader tags,
                                                                                 std::size_t offset,
                                                                                 const TextCodec& codec);

@@ -1,7 +1,7 @@
 // The file of an empty drawing: what every program expects in AC1015, and nothing else.
 // Knows tables and objects that must be there; the writer puts the drawing into it.
+#include <algorithm>
 #include <initializer_list>
-#include <tuple>
 
 #include "host/dxf/writer.h"
 
@@ -10,7 +10,10 @@ namespace {
 
 class Skeleton {
  public:
-  explicit Skeleton(std::uint64_t firstHandle) : w_(out_, TagForm::kAscii, "\r\n"), next_(firstHandle) {}
+  Skeleton(std::uint64_t firstHandle, const Extents2d& seen)
+      : w_(out_, TagForm::kAscii, "\r\n"), next_(firstHandle), seen_(seen) {
+    if (seen_.empty()) seen_ = {{0, 0}, {100, 100}};
+  }
 
   std::string text() {
     for (std::uint64_t* h : {&blockTable_, &layerTable_, &modelRecord_, &paperRecord_, &root_, &plotStyles_,
@@ -131,15 +134,23 @@ class Skeleton {
     const std::uint64_t views = table("VPORT", 1);
     record("VPORT", views, "AcDbViewportTableRecord", "*Active");
     w_.integer(70, 0);
-    for (const auto& [code, x, y] :
-         {std::tuple{10, 0, 0}, {11, 1, 1}, {12, 0, 0}, {13, 0, 0}, {14, 10, 10}, {15, 10, 10}}) {
+    const auto flat = [this](int code, double x, double y) {
       w_.real(code, x);
       w_.real(code + 10, y);
-    }
+    };
+    constexpr double kAspect = 1.5;  // of the window, width to height
+    const double height =
+        std::max({seen_.high.y - seen_.low.y, (seen_.high.x - seen_.low.x) / kAspect, 1e-3}) * 1.1;
+    flat(10, 0, 0);
+    flat(11, 1, 1);
+    flat(12, (seen_.low.x + seen_.high.x) / 2, (seen_.low.y + seen_.high.y) / 2);  // centre of what is seen
+    flat(13, 0, 0);
+    flat(14, 10, 10);
+    flat(15, 10, 10);
     w_.point(16, 0, 0, 1);
     w_.point(17, 0, 0, 0);
-    w_.real(40, 100);
-    w_.real(41, 1.5);
+    w_.real(40, height);
+    w_.real(41, kAspect);
     w_.real(42, 50);
     for (const int code : {43, 44, 50, 51}) w_.real(code, 0);
     w_.integer(71, 0);
@@ -277,6 +288,7 @@ class Skeleton {
   std::string out_;
   TagWriter w_;
   std::uint64_t next_;
+  Extents2d seen_;
   std::uint64_t blockTable_ = 0, layerTable_ = 0, modelRecord_ = 0, paperRecord_ = 0, root_ = 0,
                 plotStyles_ = 0, normalStyle_ = 0, modelLayout_ = 0, paperLayout_ = 0, groups_ = 0,
                 layouts_ = 0;

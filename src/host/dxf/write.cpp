@@ -20,6 +20,7 @@ DxfWriter::DxfWriter(const AcDbDatabase& db, const DxfDocument& doc, const DxfSi
     objectByHandle_.emplace(o.handle, &o);
     if (!o.place.id.isNull()) objectPlace_.emplace(o.place.id.index, &o);
   }
+  for (const DxfHeaderVariable& v : doc.header) headerPlace_.insert_or_assign(v.name, &v);
   for (const DxfBlock& b : doc.blocks) blockPlace_.emplace(b.id.index, &b);
   for (const DxfTableEntry& e : doc.tableEntries)
     tableNames_.insert(doc.tables[e.table].name + "/" + capitals(e.name));
@@ -282,7 +283,7 @@ namespace {
 std::unique_ptr<DxfDocument> emptyDocument(const AcDbDatabase& db) {
   AcDbDatabase empty;
   DxfReport report;
-  const auto failure = readDxf(empty, emptyDrawing(db.nextHandle()), {}, report);
+  const auto failure = readDxf(empty, emptyDrawing(db.nextHandle(), db.drawingExtents()), {}, report);
   if (failure) return nullptr;
   std::unique_ptr<DxfDocument> doc(static_cast<DxfDocument*>(empty.source.release()));
   std::unordered_map<std::uint32_t, std::uint64_t> handles;

@@ -220,6 +220,7 @@ void DxfWriter::patchExtendedData(TagPatch& patch, const Template& t, const Enti
   std::size_t chain = 0;
   bool dropping = false;
   for (std::size_t i = patch.ownEnd(); i < patch.extendedEnd(); ++i) {
+    if (patch.tag(i).code == 1001) dropping = false;
     if (patch.tag(i).code == 1001 && chain < chains.size()) {
       const std::string& name = chains[chain].first;
       const bool own = record && name == record->application;

@@ -25,9 +25,8 @@ ResBuf pointItem(const AcGePoint3d& p) {
 }  // namespace
 
 const DxfHeaderVariable* DxfWriter::variable(std::string_view name) const {
-  for (const DxfHeaderVariable& v : doc_.header)
-    if (v.name == name) return &v;
-  return nullptr;
+  const auto it = headerPlace_.find(name);
+  return it == headerPlace_.end() ? nullptr : it->second;
 }
 
 // As the file has it now; a text decoded.

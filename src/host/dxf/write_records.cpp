@@ -87,16 +87,21 @@ void DxfWriter::placeRecord(const AcDbEntity& e) {
       return replaceChunks(*o, chunks);
     }
   }
+  placedRecords_[e.objectId().index] = newXrecord(e, record->application, chunks);
+}
+
+// A new xrecord, in the entity's extension dictionary if the file has one, else in a new one.
+DxfWriter::PlacedRecord DxfWriter::newXrecord(const AcDbEntity& e, const std::string& application,
+                                              const std::string& chunks) {
   PlacedRecord placed{freshHandle(), 0};
+  const std::string entry = style().one(3, application) + handleTag(360, placed.xrecord);
   std::uint64_t owner = 0;
-  const DxfObject* dictionary = inFile ? objectOfHandle(extensionDictionaryOf(e)) : nullptr;
-  if (dictionary) {
+  TagWriter w = tags(newObjects_);
+  if (const DxfObject* dictionary = isFileObject(e) ? objectOfHandle(extensionDictionaryOf(e)) : nullptr) {
     owner = dictionary->handle;
-    edit(static_cast<std::size_t>(dictionary->place.offset) + dictionary->place.length, 0,
-         style().one(3, record->application) + handleTag(360, placed.xrecord), -1);
+    edit(static_cast<std::size_t>(dictionary->place.offset) + dictionary->place.length, 0, entry, -1);
   } else {
     owner = placed.newDictionary = freshHandle();
-    TagWriter w = tags(newObjects_);
     w.text(0, "DICTIONARY");
     w.handle(5, owner);
     w.handle(330, fileHandleOfEntity(e));
@@ -105,17 +110,15 @@ void DxfWriter::placeRecord(const AcDbEntity& e) {
       w.integer(280, 1);
       w.integer(281, 1);
     }
-    w.text(3, text(record->application));
-    w.handle(360, placed.xrecord);
+    w.raw(entry);
   }
-  TagWriter w = tags(newObjects_);
   w.text(0, "XRECORD");
   w.handle(5, placed.xrecord);
   w.handle(330, owner);
   w.text(100, "AcDbXrecord");
   if (doc_.version >= 1015) w.integer(280, 1);
   w.raw(chunks);
-  placedRecords_[e.objectId().index] = placed;
+  return placed;
 }
 
 void DxfWriter::replaceChunks(const DxfObject& xrecord, const std::string& chunks) {

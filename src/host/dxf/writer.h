@@ -143,6 +143,7 @@ class DxfWriter {
   void recordChunks(TagWriter& w, std::string_view bytes) const;
   void extensionGroup(TagWriter& w, const PlacedRecord& p) const;
   void placeRecord(const AcDbEntity& e);
+  PlacedRecord newXrecord(const AcDbEntity& e, const std::string& application, const std::string& chunks);
   void replaceChunks(const DxfObject& xrecord, const std::string& chunks);
   void dropRecord(AcDbObjectId id);
   [[nodiscard]] const DxfObject* objectOfHandle(std::uint64_t handle) const;
@@ -172,13 +173,15 @@ class DxfWriter {
   bool newHandles_ = false;          // something that needs a handle goes in
   std::uint64_t handlesToCome_ = 0;  // at most, of vertices and such, when the header is written
   std::unordered_map<std::uint32_t, std::uint64_t> givenHandles_;  // of new objects, by id
+  std::unordered_map<std::string_view, const DxfHeaderVariable*> headerPlace_;
   std::unordered_map<std::uint32_t, const DxfBlock*> blockPlace_;  // by the block's id
   std::unordered_set<std::string> tableNames_;                     // "LAYER/CUT", in capitals
   std::unordered_map<std::uint64_t, const DxfObject*> objectByHandle_;
   std::unordered_map<std::uint32_t, const DxfObject*> objectPlace_;  // of file objects, by id
 };
 
-// The text of an empty drawing (AC1015, millimetres); its handles start at `firstHandle`.
-[[nodiscard]] std::string emptyDrawing(std::uint64_t firstHandle);
+// The text of an empty drawing (AC1015, millimetres); its handles start at `firstHandle`, and it opens
+// with a view of `seen`.
+[[nodiscard]] std::string emptyDrawing(std::uint64_t firstHandle, const Extents2d& seen);
 
 }  // namespace tarnex

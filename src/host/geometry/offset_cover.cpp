@@ -39,6 +39,7 @@ Piece extension(const Piece& span, Vec from, Vec to, Vec tangent) {
 }
 
 constexpr double kFlatCrossing = 1e-6;  // sine below which curves are taken to touch
+constexpr double kBack = -0.999;        // cosine of a corner that all but turns back
 constexpr double kSameEnd = 8;          // tolerances
 
 bool crossAt(const Piece& a, const Piece& b, Vec q, double near) {
@@ -112,19 +113,27 @@ bool Cover::insidePath(Vec p) const {
   return w != 0;
 }
 
-bool Cover::pathCrossesItself() const {
+Contact Cover::pathWithItself() const {
   const double near = kSameEnd * s_.tolerance;
-  return !spans_.eachPair([&](std::size_t i, std::size_t j) {
-    const Piece &a = s_.spans[i], &b = s_.spans[j];
+  Contact contact = Contact::kNone;
+  const auto note = [&](const Piece& a, const Piece& b, Vec q) {
+    contact = crossAt(a, b, q, near) ? Contact::kCrosses : Contact::kTouches;
+  };
+  spans_.eachPair([&](std::size_t i, std::size_t j) {
     const bool follows = s_.next(i) == j, precedes = s_.next(j) == i;
     if (follows && precedes) return true;
+    const Piece &a = s_.spans[precedes ? j : i], &b = s_.spans[precedes ? i : j];
     if (follows || precedes) {
-      const auto q = follows ? meetAgain(a, b, s_.tolerance) : meetAgain(b, a, s_.tolerance);
-      return !q || !crossAt(a, b, *q, near);
+      if (dot(a.t1, b.t0) < kBack) contact = Contact::kTouches;
+      const auto q = meetAgain(a, b, s_.tolerance);
+      if (q && sizeOf(*q - b.start) > near) note(a, b, *q);
+    } else {
+      const Meetings m = meetings(a, b, s_.tolerance);
+      for (int k = 0; k < m.count && contact != Contact::kCrosses; ++k) note(a, b, m.at[static_cast<std::size_t>(k)]);
     }
-    const Meetings m = meetings(a, b, s_.tolerance);
-    return std::none_of(m.at.begin(), m.at.begin() + m.count, [&](Vec q) { return crossAt(a, b, q, near); });
+    return contact != Contact::kCrosses;
   });
+  return contact;
 }
 
 }  // namespace tarnex::offsets

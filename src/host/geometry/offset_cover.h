@@ -10,6 +10,12 @@
 
 namespace tarnex::offsets {
 
+enum class Contact {
+  kNone,
+  kTouches,  // somewhere, or lies upon itself
+  kCrosses   // two spans pass through each other, well within both
+};
+
 // Refers to source and joints for as long as it lives.
 class Cover {
  public:
@@ -23,8 +29,7 @@ class Cover {
   [[nodiscard]] bool offMitres(Vec p) const;
   // Winding number of a closed path about p isn't 0.
   [[nodiscard]] bool insidePath(Vec p) const;
-  // Two spans pass through each other, well within both.
-  [[nodiscard]] bool pathCrossesItself() const;
+  [[nodiscard]] Contact pathWithItself() const;
   [[nodiscard]] const Source& source() const { return s_; }
 
  private:

@@ -17,11 +17,16 @@ constexpr double kRoundings = 16;           // of one coordinate that a result a
 constexpr double kSlack = 12;               // tolerances by which a result may be too near to its path
 constexpr double kProbe = 2;                // snaps: what is narrower than this is no ground to walk on
 
+struct Measures {
+  double distance = 0, tolerance = 0, snap = 0;  // mm
+  bool touches = false;  // the path touches itself, so that being far from it doesn't tell the side
+};
+
 class Trimming {
  public:
-  Trimming(const Cover& cover, const Arrangement& a, double distance, double tolerance, double snap)
-      : cover_(cover), a_(a), distance_(distance), tolerance_(tolerance), snap_(snap),
-        closed_(cover.source().closed) {}
+  Trimming(const Cover& cover, const Arrangement& a, const Measures& m)
+      : cover_(cover), a_(a), distance_(m.distance), tolerance_(m.tolerance), snap_(m.snap),
+        alwaysAskSide_(m.touches), closed_(cover.source().closed) {}
 
   std::optional<std::vector<PolylineCurve>> run() {
     if (!keepFree()) return std::nullopt;
@@ -59,7 +64,8 @@ class Trimming {
     const std::size_t span = a_.strands[e.strand].span;
     if (span != kNoSpan && cover_.nearNeighbours(p, span)) return false;
     if (!cover_.farEnough(p, 0) || !cover_.offMitres(p)) return false;
-    if (!closed_ || (span != kNoSpan && abeam(cover_.source().spans[span], m))) return true;
+    if (!closed_) return true;
+    if (!alwaysAskSide_ && span != kNoSpan && abeam(cover_.source().spans[span], m)) return true;
     return cover_.insidePath(p) == inwards();
   }
 
@@ -219,7 +225,7 @@ class Trimming {
   const Cover& cover_;
   const Arrangement& a_;
   double distance_, tolerance_, snap_;
-  bool closed_;
+  bool alwaysAskSide_, closed_;
   mutable std::optional<int> orientation_;
   std::vector<std::size_t> kept_;  // chains, sorted by their first node
   std::vector<char> used_;
@@ -250,7 +256,8 @@ std::vector<double> snapsToTry(double tolerance, double fine) {
 std::optional<std::vector<PolylineCurve>> trimmedOffset(const Source& s, const std::vector<Joint>& joints,
                                                         double distance) {
   const Cover cover(s, joints, distance);
-  if (s.closed && cover.pathCrossesItself()) return std::nullopt;  // it has no inside that could be told
+  const Contact contact = cover.pathWithItself();
+  if (s.closed && contact == Contact::kCrosses) return std::nullopt;  // it has no inside that could be told
   std::vector<Joint> opened = joints;
   const auto strands = rawStrands(s, opened, distance);
   if (!strands) return std::nullopt;
@@ -258,7 +265,7 @@ std::optional<std::vector<PolylineCurve>> trimmedOffset(const Source& s, const s
   const double tolerance = std::max(s.tolerance, fine);
   for (const double snap : snapsToTry(tolerance, fine)) {
     const Arrangement a = arrange(*strands, s.closed, snap / 4, snap);
-    auto curves = Trimming(cover, a, distance, tolerance, snap).run();
+    auto curves = Trimming(cover, a, {distance, tolerance, snap, contact != Contact::kNone}).run();
     if (!curves) continue;
     beginNearStart(*curves, joints[0].end, snap);
     return curves;

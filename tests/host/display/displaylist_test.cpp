@@ -11,7 +11,8 @@ namespace {
 // An entity that draws what a test tells it to.
 class Marked : public AcDbLine {
  public:
-  explicit Marked(std::function<void(AcGiWorldDraw&)> draws) : AcDbLine({0, 0, 0}, {1, 0, 0}), draws_(std::move(draws)) {}
+  explicit Marked(std::function<void(AcGiWorldDraw&)> draws)
+      : AcDbLine({0, 0, 0}, {1, 0, 0}), draws_(std::move(draws)) {}
   void worldDraw(AcGiWorldDraw& draw) const override { draws_(draw); }
 
  private:
@@ -45,7 +46,8 @@ std::vector<int> colors(const DisplayList& list) {
 
 TEST(DisplayList, ShownEntitiesInDrawingOrderWithTheirColours) {
   AcDbDatabase drawing;
-  const auto red = addLayer(drawing, "RED", 1), off = addLayer(drawing, "OFF", 2), note = addLayer(drawing, "NOTE", 3);
+  const auto red = addLayer(drawing, "RED", 1), off = addLayer(drawing, "OFF", 2),
+             note = addLayer(drawing, "NOTE", 3);
   drawing.open<AcDbLayerTableRecord>(off, OpenMode::kForWrite)->setIsOff(true);
   drawing.open<AcDbLayerTableRecord>(note, OpenMode::kForWrite)->setIsPlottable(false);
   const auto first = addLine(drawing, 0, red);
@@ -97,7 +99,9 @@ TEST(DisplayList, WhatAnEntitySetsHoldsUntilItSetsAnotherOrEnds) {
   recorder.record(entity);
   ASSERT_EQ(list.primitives.size(), 10u);
   EXPECT_EQ(colors(list), (std::vector{3, 6, 3, 7, 7, 3, 6, 3, 7, 7}));
-  const auto dashes = [&](int i) { return list.patterns[static_cast<std::size_t>(list.primitives[i].pattern)].dashes; };
+  const auto dashes = [&](int i) {
+    return list.patterns[static_cast<std::size_t>(list.primitives[i].pattern)].dashes;
+  };
   EXPECT_TRUE(dashes(0).empty());
   EXPECT_EQ(dashes(1), (std::vector<double>{12, -3}));
   EXPECT_EQ(dashes(2), dashes(1));
@@ -116,7 +120,8 @@ TEST(DisplayList, WhatAnEntitySetsHoldsUntilItSetsAnotherOrEnds) {
 TEST(DisplayList, LineTypeOfTheEntityBeforeThatOfTheLayerAndTheScaleOfTheDrawing) {
   AcDbDatabase drawing;
   const auto layer = addLayer(drawing, "AXES", 1);
-  drawing.open<AcDbLayerTableRecord>(layer, OpenMode::kForWrite)->setLinetype(drawing.loadLineTypeFile("Center"));
+  drawing.open<AcDbLayerTableRecord>(layer, OpenMode::kForWrite)
+      ->setLinetype(drawing.loadLineTypeFile("Center"));
   addLine(drawing, 0, layer);
   const auto hidden = addLine(drawing, 1, layer);
   drawing.open<AcDbLine>(hidden, OpenMode::kForWrite)->setLinetype(drawing.loadLineTypeFile("Hidden"));
@@ -154,7 +159,8 @@ TEST(DisplayList, NumbersThatCannotBeDrawnAreLeftOutAndCounted) {
 
 TEST(DisplayList, ARayCountsWithItsStartInTheExtents) {
   AcDbDatabase drawing;
-  drawing.appendAcDbEntity(drawing.modelSpace(), std::make_unique<AcDbRay>(AcGePoint3d{3, 4, 0}, AcGeVector2d{1, 0}));
+  drawing.appendAcDbEntity(drawing.modelSpace(),
+                           std::make_unique<AcDbRay>(AcGePoint3d{3, 4, 0}, AcGeVector2d{1, 0}));
   addLine(drawing, 0);
   const DisplayList list = buildDisplayList(drawing);
   EXPECT_EQ(list.primitives.size(), 2u);
@@ -173,9 +179,9 @@ TEST(DisplayList, TheApplicationsContextReachesTheEntity) {
 TEST(Shape, CodesOfTextsBecomeTheirCharacters) {
   const struct {
     const char *written, *shown;
-  } cases[] = {{"%%c20%%p0.02", "⌀20±0.02"}, {"45%%D", "45°"},    {"100%%%", "100%"}, {"%%uunder%%u", "under"},
-               {"%%065%%0667", "AB7"},       {"50%", "50%"},      {"%%", "%%"},       {"%%x", "%%x"},
-               {"%%007", "%%007"},           {"%%999", "%%999"},  {"a%%c", "a⌀"}};
+  } cases[] = {{"%%c20%%p0.02", "⌀20±0.02"}, {"45%%D", "45°"},   {"100%%%", "100%"}, {"%%uunder%%u", "under"},
+               {"%%065%%0667", "AB7"},       {"50%", "50%"},     {"%%", "%%"},       {"%%x", "%%x"},
+               {"%%007", "%%007"},           {"%%999", "%%999"}, {"a%%c", "a⌀"}};
   for (const auto& c : cases) EXPECT_EQ(shownText(c.written), c.shown) << c.written;
 }
 

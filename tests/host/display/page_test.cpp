@@ -33,7 +33,8 @@ TEST(Page, FitsThePictureAndKeepsItsShape) {
 
 TEST(Page, HasASizeWhateverItShows) {
   const double inf = std::numeric_limits<double>::infinity();
-  const Extents2d cases[] = {{}, {{5, 5}, {5, 5}}, {{0, 0}, {100, 0}}, {{-inf, 0}, {inf, 1}}, {{0, 0}, {1e12, 1e-12}}};
+  const Extents2d cases[] = {
+      {}, {{5, 5}, {5, 5}}, {{0, 0}, {100, 0}}, {{-inf, 0}, {inf, 1}}, {{0, 0}, {1e12, 1e-12}}};
   for (const Extents2d& drawn : cases)
     for (const double margin : {0.0, 5.0, 1000.0}) {
       PageOptions options;
@@ -53,11 +54,12 @@ TEST(Colors, OfTheIndices) {
   const struct {
     int index;
     const char* hex;
-  } cases[] = {{1, "#f00"},      {2, "#ff0"},      {3, "#0f0"},     {4, "#0ff"},      {5, "#00f"},     {6, "#f0f"},
-               {7, "#fff"},      {8, "#808080"},   {9, "#c0c0c0"},  {10, "#f00"},     {11, "#ff7f7f"}, {12, "#c00"},
-               {20, "#ff3f00"},  {30, "#ff7f00"},  {40, "#ffbf00"}, {50, "#ff0"},     {70, "#7fff00"}, {90, "#0f0"},
-               {132, "#0cc"},    {140, "#00bfff"}, {170, "#00f"},   {181, "#9f7fff"}, {210, "#f0f"},   {240, "#ff003f"},
-               {249, "#4c262f"}, {250, "#333"},    {255, "#fff"},   {0, "#fff"},      {256, "#fff"},   {-4, "#fff"}};
+  } cases[] = {{1, "#f00"},     {2, "#ff0"},      {3, "#0f0"},     {4, "#0ff"},      {5, "#00f"},
+               {6, "#f0f"},     {7, "#fff"},      {8, "#808080"},  {9, "#c0c0c0"},   {10, "#f00"},
+               {11, "#ff7f7f"}, {12, "#c00"},     {20, "#ff3f00"}, {30, "#ff7f00"},  {40, "#ffbf00"},
+               {50, "#ff0"},    {70, "#7fff00"},  {90, "#0f0"},    {132, "#0cc"},    {140, "#00bfff"},
+               {170, "#00f"},   {181, "#9f7fff"}, {210, "#f0f"},   {240, "#ff003f"}, {249, "#4c262f"},
+               {250, "#333"},   {255, "#fff"},    {0, "#fff"},     {256, "#fff"},    {-4, "#fff"}};
   for (const auto& c : cases) EXPECT_EQ(hexColor(indexedColor(c.index)), c.hex) << c.index;
 }
 

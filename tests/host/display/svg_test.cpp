@@ -1,5 +1,5 @@
-// The SVG writer: path data, texts, dashes, colours and the page, worked out by hand; arcs read back by the rules of
-// the format.
+// The SVG writer: path data, texts, dashes, colours and the page, worked out by hand; arcs read back by the
+// rules of the format.
 #include "host/display/svg.h"
 
 #include <gmock/gmock.h>
@@ -16,7 +16,8 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-// The square from (0,0) to (100,100) at 1:1, no margin: x stays, y on the page is 100 - y, micrometres are written.
+// The square from (0,0) to (100,100) at 1:1, no margin: x stays, y on the page is 100 - y, micrometres are
+// written.
 SvgOptions trueScale() {
   SvgOptions options;
   options.width = options.height = options.margin = 0;
@@ -41,7 +42,9 @@ std::string pathData(std::initializer_list<Shape> shapes) {
   return firstPathData(svgText(listOf(shapes), trueScale()));
 }
 
-DrawnPolyline line(std::vector<AcGePoint3d> points) { return {std::move(points)}; }
+DrawnPolyline line(std::vector<AcGePoint3d> points) {
+  return {std::move(points)};
+}
 
 TEST(SvgPath, LinesAndCircles) {
   EXPECT_EQ(pathData({line({{0, 0, 0}, {10, 5, 7}})}), "M0 100l10-5");  // z plays no part
@@ -51,9 +54,11 @@ TEST(SvgPath, LinesAndCircles) {
   EXPECT_EQ(pathData({DrawnCircle{{20, 30, 0}, 7.5}}), "M12.5 70a7.5 7.5 0 0 0 15 0a7.5 7.5 0 0 0-15 0z");
   EXPECT_EQ(pathData({DrawnCircle{{20, 30, 0}, 1e-9}}), "M20 70h0");
   // Steps between rounded points: 3 times 1/3 comes out at 1.
-  EXPECT_EQ(pathData({line({{0, 0, 0}, {1. / 3, 0, 0}, {2. / 3, 0, 0}, {1, 0, 0}})}), "M0 100h.333h.334h.333");
+  EXPECT_EQ(pathData({line({{0, 0, 0}, {1. / 3, 0, 0}, {2. / 3, 0, 0}, {1, 0, 0}})}),
+            "M0 100h.333h.334h.333");
   // What goes on where the last shape ended is one line; what doesn't is a new one.
-  EXPECT_EQ(pathData({line({{0, 0, 0}, {10, 0, 0}}), line({{10, 0, 0}, {10, 10, 0}}), line({{9, 9, 0}, {8, 9, 0}})}),
+  EXPECT_EQ(pathData({line({{0, 0, 0}, {10, 0, 0}}), line({{10, 0, 0}, {10, 10, 0}}),
+                      line({{9, 9, 0}, {8, 9, 0}})}),
             "M0 100h10v-10m-1 1h-1");
 }
 
@@ -70,7 +75,8 @@ TEST(SvgPath, ArcsKeepTheirWayRound) {
   EXPECT_EQ(pathData({DrawnArc{{90, 50, 0}, {10, 50, 0}, {50, 90, 0}}}),
             "M90 50a40 40 0 0 1-40 40a40 40 0 0 1-40-40a40 40 0 0 1 40-40");
   // Start and end in one place, and three points on a line.
-  EXPECT_EQ(pathData({DrawnArc{{10, 50, 0}, {90, 50, 0}, {10, 50, 0}}}), "M10 50a40 40 0 0 0 80 0a40 40 0 0 0-80 0z");
+  EXPECT_EQ(pathData({DrawnArc{{10, 50, 0}, {90, 50, 0}, {10, 50, 0}}}),
+            "M10 50a40 40 0 0 0 80 0a40 40 0 0 0-80 0z");
   EXPECT_EQ(pathData({DrawnArc{{0, 0, 0}, {1, 1, 0}, {3, 3, 0}}}), "M0 100l1-1l2-2");
   // 0.4 µm high: a line. 10 µm high over 100 mm, sweep 0.0008: a parabola, its control point twice as high.
   EXPECT_EQ(pathData({DrawnArc{{0, 0, 0}, {50, 0.0004, 0}, {100, 0, 0}}}), "M0 100h100");
@@ -78,8 +84,8 @@ TEST(SvgPath, ArcsKeepTheirWayRound) {
   EXPECT_EQ(pathData({DrawnArc{{100, 0, 0}, {50, 0.01, 0}, {0, 0, 0}}}), "M100 100q-50-.02-100 0");
 }
 
-// Random arcs, read back by the format's own rule for end points, radius and flags: start, end, and the point through
-// which the arc was given lie on what a viewer draws, whatever the rounding.
+// Random arcs, read back by the format's own rule for end points, radius and flags: start, end, and the point
+// through which the arc was given lie on what a viewer draws, whatever the rounding.
 TEST(SvgPath, ArcsReadBackRunThroughTheirPoint) {
   std::mt19937 random(20260301);
   std::uniform_real_distribution<double> angle(0, 2 * kPi), where(30, 70), share(0.05, 0.95);
@@ -88,7 +94,8 @@ TEST(SvgPath, ArcsReadBackRunThroughTheirPoint) {
     const AcGePoint2d centre{where(random), where(random)};
     const double radius = std::pow(10, logRadius(random)), from = angle(random);
     // Every third arc near half or whole turns, where rounding hurts most.
-    const double sweep = (i % 3 ? angle(random) : kPi * (i % 2 + 1) - 0.01 * share(random)) * (i % 5 ? 1 : -1);
+    const double sweep =
+        (i % 3 ? angle(random) : kPi * (i % 2 + 1) - 0.01 * share(random)) * (i % 5 ? 1 : -1);
     if (std::abs(sweep) * radius < 0.1) continue;
     const auto at = [&](double f) { return acutPolar(centre, from + f * sweep, radius); };
     const AcGePoint2d through = at(share(random));
@@ -97,7 +104,8 @@ TEST(SvgPath, ArcsReadBackRunThroughTheirPoint) {
     const auto flipped = [](AcGePoint2d p) { return AcGePoint2d{p.x, 100 - p.y}; };
     EXPECT_LT(drawn.front().distanceTo(flipped(at(0))), 0.001) << i;
     EXPECT_LT(drawn.back().distanceTo(flipped(at(1))), 0.001) << i;
-    EXPECT_LT(distanceToChain(drawn, flipped(through)), 0.004) << i << " radius " << radius << " sweep " << sweep;
+    EXPECT_LT(distanceToChain(drawn, flipped(through)), 0.004)
+        << i << " radius " << radius << " sweep " << sweep;
   }
 }
 
@@ -105,14 +113,33 @@ TEST(Svg, TextsStandUprightAndEscaped) {
   DisplayList list = listOf({DrawnText{{10, 20, 0}, {1, 0}, 3.6, "<a & b> \x01\xff 内孔"}});
   // Capitals are 0.72 of the font's size: 3.6 / 0.72 = 5.
   const std::string svg = svgText(list, trueScale());
-  EXPECT_THAT(svg, HasSubstr("<text fill=\"#000\" font-size=\"5\" x=\"10\" y=\"80\">&lt;a &amp; b&gt;  \xEF\xBF\xBD 内孔"
-                             "</text>"));
+  EXPECT_THAT(
+      svg,
+      HasSubstr("<text fill=\"#000\" font-size=\"5\" x=\"10\" y=\"80\">&lt;a &amp; b&gt;  \xEF\xBF\xBD 内孔"
+                "</text>"));
   // Turned 30 degrees to the left: that is -30 with y downward.
   const double half = 0.5, tall = std::sqrt(0.75);
   list = listOf({DrawnText{{10, 20, 0}, {tall, half}, 3.6, "A"}});
   EXPECT_THAT(svgText(list, trueScale()), HasSubstr("x=\"10\" y=\"80\" transform=\"rotate(-30 10 80)\">A<"));
   // Too small for a micrometre: not there.
-  EXPECT_THAT(svgText(listOf({DrawnText{{1, 1, 0}, {1, 0}, 1e-6, "A"}}), trueScale()), Not(HasSubstr("<text")));
+  EXPECT_THAT(svgText(listOf({DrawnText{{1, 1, 0}, {1, 0}, 1e-6, "A"}}), trueScale()),
+              Not(HasSubstr("<text")));
+}
+
+TEST(Svg, LabelsOfOneEntityAreKeptApart) {
+  const DrawnText label{{10, 20, 0}, {1, 0}, 5, "AB"};
+  DisplayList list = listOf({label, label, label, label});
+  for (int i = 0; i < 3; ++i) {
+    list.primitives[i].marker = 500 + i;
+    list.primitives[i].owner = AcDbObjectId{9};
+  }
+  // In its place, a line of 1.4 * 5 below, one above; the drawing's own text without a marker stays where it
+  // is.
+  const std::string svg = svgText(list, trueScale());
+  std::vector<std::string> places;
+  for (std::size_t at = 0; (at = svg.find("x=\"10\" y=\"", at)) != std::string::npos; ++at)
+    places.push_back(svg.substr(at + 10, 2));
+  EXPECT_EQ(places, (std::vector<std::string>{"80", "87", "73", "80"}));
 }
 
 TEST(Svg, DashesAreThoseOfTheLineType) {
@@ -122,11 +149,19 @@ TEST(Svg, DashesAreThoseOfTheLineType) {
     double scale;
     const char* written;  // empty: continuous
   } cases[] = {
-      {{12, -3}, 1, "12 3"},        {{12, -3}, 0.5, "6 1.5"}, {{12, -3, 0, -3}, 1, "12 3 0 3"},
-      {{-3, 12}, 1, "12 3"},        {{6, 6, -3}, 1, "12 3"},  {{-1, 0, -2}, 1, "0 3"},
-      {{5}, 1, ""},                 {{-5}, 1, ""},            {{}, 1, ""},
-      {{12, nan}, 1, ""},           {{12, -3}, 0.01, ""},  // 0.15 mm on paper: nothing but grey
-      {{12, -3}, 1e300, ""},        {{0.3, -0.25}, 1, ".3 .25"},
+      {{12, -3}, 1, "12 3"},
+      {{12, -3}, 0.5, "6 1.5"},
+      {{12, -3, 0, -3}, 1, "12 3 0 3"},
+      {{-3, 12}, 1, "12 3"},
+      {{6, 6, -3}, 1, "12 3"},
+      {{-1, 0, -2}, 1, "0 3"},
+      {{5}, 1, ""},
+      {{-5}, 1, ""},
+      {{}, 1, ""},
+      {{12, nan}, 1, ""},
+      {{12, -3}, 0.01, ""},  // 0.15 mm on paper: nothing but grey
+      {{12, -3}, 1e300, ""},
+      {{0.3, -0.25}, 1, ".3 .25"},
       {std::vector<double>(1000, 1.0), 1, ""},
   };
   for (const auto& c : cases) {
@@ -135,19 +170,23 @@ TEST(Svg, DashesAreThoseOfTheLineType) {
     list.patternScale = c.scale;
     list.primitives[0].pattern = 1;
     const std::string svg = svgText(list, trueScale());
-    const std::string wanted = c.written[0] ? " stroke-dasharray=\"" + std::string(c.written) + "\" d=" : "\"#000\" d=";
+    const std::string wanted =
+        c.written[0] ? " stroke-dasharray=\"" + std::string(c.written) + "\" d=" : "\"#000\" d=";
     EXPECT_THAT(svg, HasSubstr(wanted)) << testing::PrintToString(c.dashes);
   }
 }
 
 TEST(Svg, OnePathPerRunOfAColourInDrawingOrder) {
-  DisplayList list = listOf({line({{0, 0, 0}, {1, 0, 0}}), line({{0, 2, 0}, {1, 2, 0}}), line({{0, 4, 0}, {1, 4, 0}}),
-                             DrawnText{{0, 0, 0}, {1, 0}, 1, "T"}, line({{0, 6, 0}, {1, 6, 0}}),
-                             line({{0, 500, 0}, {1, 500, 0}})});  // the last one lies outside
-  list.primitives[1].color = list.primitives[2].color = list.primitives[3].color = list.primitives[4].color = 1;
+  DisplayList list =
+      listOf({line({{0, 0, 0}, {1, 0, 0}}), line({{0, 2, 0}, {1, 2, 0}}), line({{0, 4, 0}, {1, 4, 0}}),
+              DrawnText{{0, 0, 0}, {1, 0}, 1, "T"}, line({{0, 6, 0}, {1, 6, 0}}),
+              line({{0, 500, 0}, {1, 500, 0}})});  // the last one lies outside
+  list.primitives[1].color = list.primitives[2].color = list.primitives[3].color = list.primitives[4].color =
+      1;
   const std::string svg = svgText(list, trueScale());
   const std::size_t black = svg.find("<path stroke=\"#000\" d=\"M0 100h1\"/>"),
-                    red = svg.find("<path stroke=\"#f00\" d=\"M0 98h1m-1-2h1\"/>"), text = svg.find("<text fill=\"#f00\""),
+                    red = svg.find("<path stroke=\"#f00\" d=\"M0 98h1m-1-2h1\"/>"),
+                    text = svg.find("<text fill=\"#f00\""),
                     last = svg.find("<path stroke=\"#f00\" d=\"M0 94h1\"/>");
   ASSERT_NE(last, std::string::npos) << svg;
   EXPECT_LT(black, red);
@@ -174,8 +213,9 @@ TEST(Svg, HostileNumbersStillGiveAPicture) {
   DisplayList list = listOf({line({{1e12, -1e12, 0}, {-1e12, 1e12, 0}}), DrawnCircle{{-1e12, 0, 0}, 1e12},
                              DrawnArc{{0, 0, 0}, {1e-300, 1e-300, 0}, {1e-300, 0, 0}},
                              DrawnArc{{1e12, 0, 0}, {1e12, 1e-4, 0}, {1e12, 3e-4, 0}}});
-  for (const auto& window : {std::optional<Extents2d>{}, std::optional(Extents2d{{0, 0}, {1e-300, 0}}),
-                             std::optional(Extents2d{{0, 0}, {std::numeric_limits<double>::infinity(), 1}})}) {
+  for (const auto& window :
+       {std::optional<Extents2d>{}, std::optional(Extents2d{{0, 0}, {1e-300, 0}}),
+        std::optional(Extents2d{{0, 0}, {std::numeric_limits<double>::infinity(), 1}})}) {
     options.window = window;
     const std::string svg = svgText(list, options);
     for (const char* bad : {"nan", "inf", "e+1"}) EXPECT_THAT(svg, Not(HasSubstr(bad)));

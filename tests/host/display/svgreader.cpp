@@ -33,20 +33,37 @@ struct Reader {
     const AcGePoint2d a = here(), b = offset(), c = offset();
     for (int i = 1; i <= kChords; ++i) {
       const double t = double(i) / kChords, u = 1 - t;
-      chain.push_back({u * u * a.x + 2 * u * t * b.x + t * t * c.x, u * u * a.y + 2 * u * t * b.y + t * t * c.y});
+      chain.push_back(
+          {u * u * a.x + 2 * u * t * b.x + t * t * c.x, u * u * a.y + 2 * u * t * b.y + t * t * c.y});
     }
   }
   void one(char command) {
     const AcGePoint2d from = here();
     switch (command) {
-      case 'M': chain = {{number(), number()}}; break;
-      case 'm': chain.push_back(offset()); break;
-      case 'h': chain.push_back({from.x + number(), from.y}); break;
-      case 'v': chain.push_back({from.x, from.y + number()}); break;
-      case 'l': chain.push_back(offset()); break;
-      case 'a': arc(); break;
-      case 'q': curve(); break;
-      default: chain.clear(); std::abort();
+      case 'M':
+        chain = {{number(), number()}};
+        break;
+      case 'm':
+        chain.push_back(offset());
+        break;
+      case 'h':
+        chain.push_back({from.x + number(), from.y});
+        break;
+      case 'v':
+        chain.push_back({from.x, from.y + number()});
+        break;
+      case 'l':
+        chain.push_back(offset());
+        break;
+      case 'a':
+        arc();
+        break;
+      case 'q':
+        curve();
+        break;
+      default:
+        chain.clear();
+        std::abort();
     }
     if (command == 'M' || command == 'm') start = here();
   }

@@ -1,7 +1,7 @@
 """Judges drawing files with a reader that shares no code with ours.
 
 make FOLDER            writes drawings of several versions and forms, prints their names
-check BEFORE AFTER     AFTER opens without errors, and has every tag of BEFORE in order (but for counts and HANDSEED)
+judge NAME...          NAME.after.dxf opens without errors, and has every tag of NAME in order (but for counts and HANDSEED)
 show FILE              entities of model space: type, layer, colour, coordinates
 """
 import sys
@@ -66,7 +66,6 @@ def audit(name):
 def check(before, after):
     _, standing = audit(before)
     _, now = audit(after)
-    faults = 1 if now > standing else 0
     old, new = tags(before), tags(after)
     at, seed, lost = 0, False, []
     for i, tag in enumerate(old):
@@ -81,7 +80,7 @@ def check(before, after):
                 lost.append(tag)
     for tag in lost[:20]:
         print("lost:", tag)
-    print("faults:", faults + len(lost))
+    print("faults:", max(0, now - standing) + len(lost))
 
 
 def show(name):
@@ -98,5 +97,13 @@ def show(name):
     print("errors:", errors)
 
 
+def judge(*names):
+    """Of each pair NAME, NAME.after.dxf: a line with the name, then check and show."""
+    for name in names:
+        print("==", name)
+        check(name, name + ".after.dxf")
+        show(name + ".after.dxf")
+
+
 if __name__ == "__main__":
-    {"make": make, "check": check, "show": show}[sys.argv[1]](*sys.argv[2:])
+    {"make": make, "judge": judge, "show": show}[sys.argv[1]](*sys.argv[2:])

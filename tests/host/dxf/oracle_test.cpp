@@ -3,6 +3,7 @@
 #include <sstream>
 
 #include "host/dxf/drawings.h"
+#include "host/dxf/path_class.h"
 #include "host/platform/files.h"
 #include "host/platform/system.h"
 
@@ -41,7 +42,7 @@ void addLayer(AcDbDatabase& db, const char* name, int color) {
   db.addLayer(std::move(layer));
 }
 
-// A line, a bulged polyline, a spline, a layer and a dictionary.
+// A line, a bulged polyline, paths with short and long records, other curves, a layer and a dictionary.
 void addThings(AcDbDatabase& db) {
   addLayer(db, "WIRE", 3);
   const auto append = [&](std::unique_ptr<AcDbEntity> e) {
@@ -51,6 +52,8 @@ void addThings(AcDbDatabase& db) {
   };
   append(std::make_unique<AcDbLine>(AcGePoint3d{1, 2, 0}, AcGePoint3d{3, 4.5, 0}));
   append(std::make_unique<AcDbPolyline>(PolylineCurve{{{{0, 0}, 0.5}, {{4, 0}, 0}, {{4, 4}, 0}}, true}));
+  append(makePath("short"));
+  append(makePath(std::string(40000, 'x'), 3));
   append(std::make_unique<AcDbMText>(AcGePoint3d{1, 2, 0}, "words", 2.5));
   append(makeCurveEntity(NurbsCurve{2, {{0, 0}, {1, 2}, {3, 0}}, {}, {0, 0, 0, 1, 1, 1}}));
   append(makeCurveEntity(EllipseCurve{{0, 0}, {5, 0}, 0.5, 0, 2 * kPi}));
@@ -75,13 +78,22 @@ TEST_F(DxfOracle, EveryVersionIsReadAndAddedTo) {
     EXPECT_TRUE(r->report.notes.empty()) << r->report.notes.at(0).line << ": " << r->report.notes.at(0).text;
     EXPECT_EQ(dxfText(r->db), *bytes.value);
     addThings(r->db);
-    const std::string after = name + ".after.dxf";
-    ASSERT_FALSE(writeFileAtomically(after, dxfText(r->db)));
-    const std::string verdict = ask({"check", name, after});
-    EXPECT_EQ(lines(verdict).back(), "faults: 0") << verdict;
-    const std::string shown = ask({"show", after});
-    EXPECT_NE(shown.find("LINE WIRE 6 1,2 3,4.5\n"), std::string::npos) << shown;
-    EXPECT_NE(shown.find("POLYLINE WIRE 6 0,0,0.5 4,0,0 4,4,0\n"), std::string::npos) << shown;
+    ASSERT_FALSE(writeFileAtomically(name + ".after.dxf", dxfText(r->db)));
+  }
+  std::vector<std::string> words = names;
+  words.insert(words.begin(), "judge");
+  const std::string verdict = ask(words);
+  for (const std::string& name : names) {
+    const std::size_t from = verdict.find("== " + name + "\n");
+    ASSERT_NE(from, std::string::npos) << verdict;
+    const std::string one = verdict.substr(from, verdict.find("\n==", from) - from);
+    EXPECT_NE(one.find("faults: 0\n"), std::string::npos) << one;
+    EXPECT_NE(one.find("LINE WIRE 6 1,2 3,4.5\n"), std::string::npos) << one;
+    EXPECT_NE(one.find("POLYLINE WIRE 6 0,0,0.5 4,0,0 4,4,0\n"), std::string::npos) << one;
+    EXPECT_NE(one.find("POLYLINE WIRE 6 0,0,0 0.1,7,0.5 0.2,0,0 0.3,7,0\n"), std::string::npos)
+        << one;  // the short path
+    EXPECT_NE(one.find("POLYLINE WIRE 6 0,0,0 0.1,7,0.5 0.2,0,0\n"), std::string::npos)
+        << one;  // the long one
   }
 }
 
@@ -96,10 +108,10 @@ TEST_F(DxfOracle, NewDrawingsHaveNoErrors) {
   db.loadLineTypeFile("Acad_iso02W100");
   ASSERT_FALSE(writeFileAtomically(folder_ + "/new.dxf", dxfText(db)));
   const std::vector<std::string> shown = lines(ask({"show", folder_ + "/new.dxf"}));
-  ASSERT_EQ(shown.size(), 7u) << shown.at(0);
+  ASSERT_EQ(shown.size(), 9u) << shown.at(0);
   EXPECT_EQ(shown[1], "LWPOLYLINE WIRE 6 0,0,0.5 4,0,0 4,4,0");
-  EXPECT_EQ(shown[5], "INSERT 0 256 ");
-  EXPECT_EQ(shown[6], "errors: 0");
+  EXPECT_EQ(shown[7], "INSERT 0 256 ");
+  EXPECT_EQ(shown[8], "errors: 0");
 }
 
 }  // namespace

@@ -51,29 +51,28 @@ double distanceToBox(const Extents2d& box, AcGePoint2d p) {
 TEST(RandomWindows, AgreeWithPointsAlongTheCurve) {
   Dice dice(20261);
   int crossed = 0, apart = 0;
-  for (int round = 0; round < rounds(2000); ++round) {
+  for (int round = 0; round < rounds(300); ++round) {
     const auto entity = dice.curve();
     const Extents2d box = boxOf(dice.point(10), dice.point(10));
     const Curve c = entity->geometry();
-    const double whole = length(c), step = whole / 500;
+    const double whole = length(c), step = whole / 200;
     bool within = true, met = false;
     double nearest = 1e9;
-    for (int i = 0; i <= 500; ++i) {
+    for (int i = 0; i <= 200; ++i) {
       const auto p = pointAtDist(c, std::min(whole, i * step)).value_or(endPoint(c));
       within = within && box.contains(p);
       met = met || box.contains(p);
       nearest = std::min(nearest, distanceToBox(box, p));
     }
     const bool touched = touchesBox(*entity, box);
-    if (met) EXPECT_TRUE(touched) << round;
-    if (touched)
-      EXPECT_LE(nearest, step / 2 + 1e-9) << round;  // between two samples at most half a step away
-    if (insideBox(*entity, box)) EXPECT_TRUE(within) << round;
-    if (!within) EXPECT_FALSE(insideBox(*entity, box)) << round;
+    EXPECT_TRUE(touched || !met) << round;
+    // Between two samples a curve is at most half a step away.
+    EXPECT_TRUE(!touched || nearest <= step / 2 + 1e-9) << round;
+    EXPECT_TRUE(within || !insideBox(*entity, box)) << round;
     ++(touched ? crossed : apart);
   }
-  EXPECT_GT(crossed, rounds(2000) / 4);
-  EXPECT_GT(apart, rounds(2000) / 10);
+  EXPECT_GT(crossed, rounds(300) / 4);
+  EXPECT_GT(apart, rounds(300) / 10);
 }
 
 // What is left lies on what was there, ends at an edge or an old end, and the picked point is gone.
@@ -152,6 +151,7 @@ TEST(RandomSessions, AreUndoneCompletely) {
     }
     const auto shown = ::testing::PrintToString(lines);
     s.run(lines);
+    for (int i = 0; i < 80; ++i) s.run({"redo"});  // what the session itself took back
     const auto standing = s.all();
     most = std::max(most, standing.size());
     for (int i = 0; i < 200; ++i) s.run({"u"});

@@ -1,4 +1,5 @@
 // Ellipses as arcs and NURBS through points.
+// Knows no conversions of the drawing.
 #include <gtest/gtest.h>
 
 #include "host/geometry/curves.h"

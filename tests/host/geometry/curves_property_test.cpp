@@ -1,4 +1,5 @@
 // What holds for every curve, tried on random ones.
+// Knows nothing of how the kernel finds its answers: sampling is the judge.
 #include <gtest/gtest.h>
 
 #include "host/geometry/curves.h"

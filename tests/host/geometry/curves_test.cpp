@@ -1,4 +1,5 @@
 // One curve: ends, lengths, boxes, parameters, pieces; worked out by hand.
+// Knows no pairs; properties over random curves stand beside it.
 #include "host/geometry/curves.h"
 
 #include <gtest/gtest.h>

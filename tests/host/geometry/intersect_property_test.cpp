@@ -1,4 +1,5 @@
 // Intersections of random curves against dense sampling, and of long polylines against every pair of spans.
+// Knows no internals of the kernel.
 #include <gtest/gtest.h>
 
 #include <ctime>

@@ -1,4 +1,5 @@
 // Intersections worked out by hand: every pair of kinds, the extension modes, contacts and overlaps.
+// Knows no internals of the kernel.
 #include <gmock/gmock.h>
 
 #include "host/geometry/curves.h"

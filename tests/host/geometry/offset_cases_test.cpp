@@ -131,6 +131,36 @@ TEST(OffsetCases, AStartThatIsCutAwayMovesToTheNearestPlaceLeft) {
   EXPECT_THAT(out[0].vertices[0], Vertex(5.5, -0.6, 0));
 }
 
+TEST(OffsetCases, ASlitAndAWhiskerWithoutWidthHaveTwoSides) {
+  // The path goes into the square from (5, 10) to (5, 5) and comes back on the same line. Inside, the wire goes round
+  // it: 8 by 8 less 2 wide, 4 deep and a half disc of radius 1. Outside it isn't there.
+  const Outline slit{{{0, 0}, 0}, {{10, 0}, 0}, {{10, 10}, 0}, {{5, 10}, 0},
+                     {{5, 5}, 0}, {{5, 10}, 0}, {{0, 10}, 0},  {{0, 0}, 0}};
+  EXPECT_NEAR(reckoning::signedArea(offset(slit, 1).at(0)), 64 - 8 - kPi / 2, 1e-9);
+  EXPECT_NEAR(reckoning::signedArea(offset(slit, -1).at(0)), 144, 1e-9);
+  Outline whisker = slit;
+  whisker[4].point.y = 15;  // the same on the outside: 12 by 12 and 2 wide, 4 high and a half disc
+  EXPECT_NEAR(reckoning::signedArea(offset(whisker, 1).at(0)), 64, 1e-9);
+  EXPECT_NEAR(reckoning::signedArea(offset(whisker, -1).at(0)), 144 + 8 + kPi / 2, 1e-9);
+}
+
+TEST(OffsetCases, WhereNothingCollapsesNoVertexIsAdded) {
+  for (unsigned seed = 0; seed < 200; ++seed) {
+    std::mt19937 random(seed);
+    const Outline o = reckoning::randomOutline(random);  // features of 0.05 mm and more
+    for (const double d : {1e-4, -1e-4}) {
+      const auto curves = offset(o, d);
+      ASSERT_EQ(curves.size(), 1u) << seed;
+      ASSERT_EQ(curves[0].vertices.size(), o.size() - 1) << seed;
+      for (std::size_t i = 0; i < curves[0].vertices.size(); ++i) {
+        const BulgeVertex& v = curves[0].vertices[i];
+        EXPECT_EQ(v.bulge == 0, o[i].bulge == 0) << seed;  // arcs stay arcs
+        EXPECT_LT(v.point.distanceTo(o[i].point), 0.05) << seed;
+      }
+    }
+  }
+}
+
 TEST(OffsetCases, OpenPathsKeepTheirEndsSquare) {
   const Outline bend{{{0, 0}, 0}, {{10, 0}, 0}, {{10, 10}, 0}};
   const auto left = offset(bend, 1);

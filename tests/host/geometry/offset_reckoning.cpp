@@ -437,6 +437,20 @@ Outline changed(const Outline& path, double scale, AcGeVector2d shift) {
   return o;
 }
 
+Outline turned(const Outline& path, double radians) {
+  Outline o = path;
+  const double c = std::cos(radians), s = std::sin(radians);
+  for (BulgeVertex& v : o) v.point = {v.point.x * c - v.point.y * s, v.point.x * s + v.point.y * c};
+  return o;
+}
+
+Outline roundedTo(const Outline& path, double step) {
+  Outline o = path;
+  const auto even = [step](double x) { return std::round(x / step) * step; };
+  for (BulgeVertex& v : o) v = {{even(v.point.x), even(v.point.y)}, even(v.bulge)};
+  return o;
+}
+
 Outline reversedOutline(const Outline& path) {
   Outline o;
   for (std::size_t i = path.size(); i-- > 0;) o.push_back({path[i].point, i > 0 ? -path[i - 1].bulge : 0.0});

@@ -40,6 +40,9 @@ Outline arcSlot(double d, double from, bool clockwise);
 // A random outline along the lines of a grid of 1 mm, without holes; corners square or rounded by 0.25 or 0.5 mm.
 Outline gridOutline(std::mt19937& random);
 Outline changed(const Outline& path, double scale, AcGeVector2d shift);
+Outline turned(const Outline& path, double radians);
+// Coordinates and bulges rounded to multiples of `step`, as drawings are that were written with few digits.
+Outline roundedTo(const Outline& path, double step);
 Outline reversedOutline(const Outline& path);
 
 }  // namespace tarnex::reckoning

@@ -1,4 +1,5 @@
 // Random curves from fixed seeds, and what tests measure them with by sampling.
+// Knows no test.
 #pragma once
 
 #include <cmath>

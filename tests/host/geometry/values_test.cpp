@@ -1,4 +1,5 @@
 // Points, vectors, transformations and angles.
+// Knows no curves.
 #include "host/geometry/values.h"
 
 #include <gtest/gtest.h>
