@@ -115,11 +115,13 @@ inline constexpr std::size_t kFindingsKept = 200;
 // Deviation that is none, mm: coordinates are drawn and offsets are made to this.
 inline constexpr double kAllowance = 0.001;
 
-// Checks any text against any figures; never throws but for lack of memory. When no figure has a threading
-// point the drawing is plain: each path is matched to the contour beside which it runs, `side` kEither means
-// outside at even nesting depth and inside at odd, and where a path lies is held against the rounding since
-// the program's start. A figure whose numbers aren't finite, or with fewer than two points, is reported as a
-// fault and left out.
+// Where a figure's wire region falls apart, the parts that the path can't come to are told in a note, not as
+// a fault. A code text that is itself a move ("B0B0B1GXL1") moves the wire like any block. Checks any text
+// against any figures; never throws but for lack of memory. When no figure has a threading point the drawing
+// is plain: each path is matched to the contour beside which it runs, `side` kEither means outside at even
+// nesting depth and inside at odd, and where a path lies is held against the rounding since the program's
+// start. A figure whose numbers aren't finite, or with fewer than two points, is reported as a fault and left
+// out.
 [[nodiscard]] Report check(std::string_view program, const std::vector<Figure>& figures,
                            const Expected& expected = {});
 

@@ -38,10 +38,6 @@ constexpr KindName kKindNames[] = {
     {"PLANESURFACE", EntityKind::kSolid3d},
 };
 
-double radians(double degrees) {
-  return degrees * kPi / 180;
-}
-
 }  // namespace
 
 EntityKind kindOfEntity(std::string_view word) {

@@ -296,8 +296,8 @@ class Skeleton {
 
 }  // namespace
 
-std::string emptyDrawing(std::uint64_t firstHandle) {
-  return Skeleton(firstHandle).text();
+std::string emptyDrawing(std::uint64_t firstHandle, const Extents2d& seen) {
+  return Skeleton(firstHandle, seen).text();
 }
 
 }  // namespace tarnex

@@ -26,8 +26,11 @@ class Asking {
   [[nodiscard]] Step next(std::string_view prompt, Extent extent);
   void complain(std::string_view why);  // says where; an answer of a script that is wrong is a failure
   [[nodiscard]] bool handBack(const std::string& text);  // flag 128: the text becomes acedGetInput's
-  // User coordinates; `base` is where relative points start, without it the last point.
-  [[nodiscard]] std::optional<AcGePoint3d> point(const std::string& text, const AcGePoint3d* base);
+  // User coordinates; `base` is where relative points start, without it the last point. What picks entities
+  // isn't snapped.
+  enum class Snap { kRunning, kNone };
+  [[nodiscard]] std::optional<AcGePoint3d> point(const std::string& text, const AcGePoint3d* base,
+                                                 Snap snap = Snap::kRunning);
   [[nodiscard]] std::optional<EntityPick> entityNamed(
       const HandleText& named);  // complains when there is none
   [[nodiscard]] Answer<double> number(std::string_view prompt,

@@ -90,11 +90,12 @@ AcGePoint3d Asking::resolve(const PointText& p, const AcGePoint3d* base) {
   return p.value;
 }
 
-std::optional<AcGePoint3d> Asking::point(const std::string& text, const AcGePoint3d* base) {
+std::optional<AcGePoint3d> Asking::point(const std::string& text, const AcGePoint3d* base, Snap snap) {
   std::optional<AcGePoint3d> result;
   if (const auto p = parsePoint(text)) {
     result = resolve(*p, base);
-    if (p->frame == PointText::Frame::kUser) result = runningSnap(editor_, state_, *result, base);
+    if (p->frame == PointText::Frame::kUser && snap == Snap::kRunning)
+      result = runningSnap(editor_, state_, *result, base);
   } else if (const auto named = parseHandle(text); named && named->at) {
     result = worldToUcs(*state_.drawing, *named->at);
   } else if (const auto mode = osnapWord(text)) {

@@ -186,7 +186,7 @@ Gathering::Next Gathering::handles(Asking& asking, const std::string& text) {
 
 Gathering::Next Gathering::answered(Asking& asking, const std::string& text) {
   if (text[0] == '&') return handles(asking, text);
-  const auto point = asking.point(text, nullptr);
+  const auto point = asking.point(text, nullptr, Asking::Snap::kNone);
   if (!point) {
     asking.complain("\"" + text +
                     "\" selects nothing; give a point, a handle such as &1F, Window, Crossing, ALL, " +
@@ -278,7 +278,7 @@ Answer<EntityPick> AcEditor::acedEntSel(std::string_view prompt) {
       if (last.empty()) return {Reply::RTERROR, {}};
       return {Reply::RTNORM, {last[0], pointOn(*standing(*state_->drawing, last[0]))}};
     }
-    if (const auto p = asking.point(step.text, nullptr)) {
+    if (const auto p = asking.point(step.text, nullptr, Asking::Snap::kNone)) {
       const auto hits = entitiesAtPickBox(*p);
       if (hits.empty()) return {Reply::RTERROR, {{}, ucsToWorld(*state_->drawing, *p)}};
       return {Reply::RTNORM, {hits[0], ucsToWorld(*state_->drawing, *p)}};

@@ -23,15 +23,12 @@ Moved moved(Vec tangent, double curvature, double distance) {
   return {leftOf(tangent), curvature / (1 - curvature * distance)};
 }
 
-// The locus of a moved span, seen from the vertex at its end.
-Locus locusOf(const Moved& m, double distance) { return offsets::locusOf(m.normal * distance, m.normal, m.curvature); }
-
-// Forward advance of the place q on the moved span from the place abeam of the vertex.
-double advance(const Moved& m, double curvature, double distance, Vec q) {
+// Forward advance of the place q on the moved span, seen from the place abeam of the vertex.
+double advance(const Moved& m, Vec q) {
   const Vec tangent{m.normal.y, -m.normal.x};
-  if (curvature == 0) return dot(tangent, q);
-  const Vec n = m.normal - (q - m.normal * distance) * m.curvature;
-  return std::copysign(1.0, curvature) * std::atan2(cross(m.normal, n), dot(m.normal, n));
+  if (m.curvature == 0) return dot(tangent, q);
+  const Vec n = m.normal - q * m.curvature;
+  return std::copysign(1.0, m.curvature) * std::atan2(cross(m.normal, n), dot(m.normal, n));
 }
 
 // Sine of the turn from one span to the next, above 0 to the left. Where the path turns back on itself the span that
@@ -104,13 +101,18 @@ Joint jointBetween(const Piece& before, const Piece& after, double distance, dou
                shift * (after.curvature == 0 ? 1 : std::abs(b.curvature)), convex);
   }
   if (steepest > 0) {
-    const TwoPlaces places = meet(locusOf(a, distance), locusOf(b, distance));
+    // Seen from where the more curved one lies abeam of the vertex: a circle far smaller than the distance keeps its
+    // digits there.
+    const bool fromA = std::abs(a.curvature) >= std::abs(b.curvature);
+    const Vec apart = (b.normal - a.normal) * distance;
+    const TwoPlaces places = meet(locusOf(fromA ? Vec{} : -apart, a.normal, a.curvature),
+                                  locusOf(fromA ? apart : Vec{}, b.normal, b.curvature));
     if (places.count == 2 && places.real) {
       const Vec q = places.at[sine > 0 ? 0 : 1];
-      const double gained = advance(a, before.curvature, distance, q);
-      const double given = advance(b, after.curvature, distance, q);
+      const Vec onA = fromA ? q : q + apart, onB = fromA ? q - apart : q;
+      const double gained = advance(a, onA), given = advance(b, onB);
       const bool sound = convex ? gained >= 0 && given <= 0 : gained <= 0 && given >= 0;
-      if (sound) return met(v, q, gained, given, convex);
+      if (sound) return met(fromA ? end : start, q, gained, given, convex);
     }
   }
   return unsolved;

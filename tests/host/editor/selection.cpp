@@ -42,6 +42,8 @@ TEST(Selection, WhatAUserGathers) {
   EXPECT_THAT(p.gather({"all", "r", "10,10", "a", "last", ""}), ElementsAre(p.a, p.c, p.d));
   EXPECT_THAT(p.gather({"p", ""}), ElementsAre(p.a, p.c, p.d));
   EXPECT_THAT(p.gather({p.handle(p.c) + " " + p.handle(p.a), ""}), ElementsAre(p.c, p.a));
+  ASSERT_TRUE(p.ed.acedSetVar("OSMODE", 2LL));
+  EXPECT_THAT(p.gather({"29,20", ""}), ElementsAre(p.c));  // no snap to a middle when picking
   p.answers({"all", "^C", ""});
   EXPECT_EQ(p.ed.acedSSGet("").reply, Reply::RTCAN);
   EXPECT_EQ(p.ed.acedSSGet("").reply, Reply::RTERROR);  // Enter at once

@@ -187,7 +187,9 @@ TEST(Curves, SplitPieces) {
   EXPECT_FALSE(first.closed);
   expectNear(endPoint(two[1]), {10, 0});
   EXPECT_EQ(std::get<PolylineCurve>(two[1]).vertices.size(), 5u);
-  EXPECT_EQ(split(stadium(), {0, 4}).size(), 1u);  // start and end of a closed curve are one place
+  // Start and end of a closed curve are one place, where the piece begins and ends.
+  EXPECT_EQ(split(stadium(), {0, 4}).size(), 1u);
+  EXPECT_FALSE(std::get<PolylineCurve>(split(stadium(), {4})[0]).closed);
   EXPECT_EQ(split(RayCurve{{0, 0}, {1, 0}}, {3}).size(), 2u);
 }
 

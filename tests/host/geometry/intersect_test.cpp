@@ -205,7 +205,7 @@ TEST(Intersect, FarFromTheOriginAndFlat) {
     const AcGePoint2d from = acutPolar({at, at}, angle, 100), to = acutPolar({at, at}, angle + 1e-4, 100);
     return Curve(PolylineCurve{{{from, std::tan(1e-4 / 4)}, {to, 0}}, false});
   };
-  expectPoints(intersect(shortArc(1), shortArc(1.1), kBoth), {});
+  for (int i = 0; i < 40; ++i) expectPoints(intersect(shortArc(i * 0.1), shortArc(i * 0.3 + 1), kBoth), {});
   // An arc of bulge 1e6 is all but a circle of radius 250 below its start.
   const Curve full = PolylineCurve{{{{0, 0}, 1e6}, {{0.001, 0}, 0}}, false};
   expectPoints(intersect(LineCurve{{0.0005, -900}, {0.0005, -100}}, full, kNone), {{0.0005, -500}}, 1e-6);

@@ -1,0 +1,119 @@
+// A person at a terminal: prompts, completion, the meter line, Ctrl-C, history.
+#include "host/editor/terminal.h"
+
+#include <gmock/gmock.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include "host/platform/files.h"
+#include "host/platform/system.h"
+
+namespace tarnex {
+namespace {
+
+using ::testing::HasSubstr;
+
+// The program that the person uses.
+int terminalProgram(const std::string& historyFile) {
+  setenv("TERM", "xterm", 1);
+  catchInterrupts();
+  AcEditor ed(std::make_unique<StreamSink>());
+  ed.addCommand({"QV", "PICK", "PICK", 0,
+                 [&ed] {
+                   ed.acutPrintf("\nMID of ");
+                   ed.acedInitGet(128, "Undo Done");
+                   const auto answer = ed.acedDragGen({}, "", true);
+                   ed.acutPrintf("got %d %s\n", static_cast<int>(answer.reply), ed.acedGetInput().c_str());
+                 },
+                 ""});
+  ed.addCommand({"QV", "WORK", "WORK", 0,
+                 [&ed] {
+                   ed.acedSetStatusBarProgressMeter("Working", 0, 4);
+                   for (int i = 0; i < 200; ++i) {
+                     sleepMilliseconds(50);
+                     ed.acedSetStatusBarProgressMeterPos(1);
+                   }
+                   ed.acutPrintf("never done\n");
+                 },
+                 ""});
+  ed.pushInput(terminalInput(historyFile));
+  return ed.runLoop();
+}
+
+class Person {
+ public:
+  explicit Person(const std::string& historyFile) {
+    child_ = forkpty(&fd_, nullptr, nullptr, nullptr);
+    if (child_ == 0) _exit(terminalProgram(historyFile));
+  }
+  ~Person() {
+    if (fd_ >= 0) close(fd_);
+  }
+  // Waits until the words stand on the screen (at most 10 s), then types.
+  void seesThenTypes(const std::string& words, const std::string& keys) {
+    waitFor(words);
+    EXPECT_THAT(screen_, HasSubstr(words));
+    screen_.clear();
+    ASSERT_EQ(write(fd_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+  }
+  int leaves() {
+    waitFor("\x01");  // to the end of the output
+    int status = 0;
+    waitpid(child_, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+ private:
+  void waitFor(const std::string& words) {
+    const double end = steadySeconds() + 10;
+    while (screen_.find(words) == std::string::npos && steadySeconds() < end) {
+      pollfd ready{fd_, POLLIN, 0};
+      if (poll(&ready, 1, 100) <= 0) continue;
+      char buffer[4096];
+      const ssize_t n = read(fd_, buffer, sizeof buffer);
+      if (n <= 0) return;
+      screen_.append(buffer, static_cast<std::size_t>(n));
+    }
+  }
+  int fd_ = -1;
+  pid_t child_ = -1;
+  std::string screen_;
+};
+
+TEST(Terminal, APersonAtWork) {
+  const std::string folder = temporaryFolder("tarnex-terminal-"), history = folder + "/new/history";
+  {
+    Person person(history);
+    person.seesThenTypes("Command: ", hasLineEditor() ? "PI\t\r" : "PICK\r");
+    person.seesThenTypes("MID of ", hasLineEditor() ? "und\t\r" : "undo\r");
+    person.seesThenTypes("got -5005 Undo\r\n", "");
+    person.seesThenTypes("Command: ", "WORK\r");
+    person.seesThenTypes("\rWorking 25%", "\x03");
+    person.seesThenTypes("*Cancel*\r\n", "");
+    person.seesThenTypes("Command: ", "PICK\r");
+    person.seesThenTypes("MID of ", "\x03");
+    person.seesThenTypes("*Cancel*\r\n", "");
+    person.seesThenTypes("Command: ", "quit\r");
+    EXPECT_EQ(person.leaves(), 1);
+  }
+  if (hasLineEditor()) {
+    const auto kept = readFile(history);
+    ASSERT_TRUE(kept);
+    EXPECT_THAT(*kept.value, HasSubstr("WORK"));
+    Person again(history);
+    again.seesThenTypes("Command: ", "\x1b[A\x1b[A\r");  // two lines up: PICK
+    again.seesThenTypes("MID of ", "1,2\r");
+    again.seesThenTypes("got 5100", "\x04");  // the end of the input
+    EXPECT_EQ(again.leaves(), 0);
+  }
+  (void)removeFile(history);
+  (void)removeFile(folder + "/new");
+  (void)removeFile(folder);
+}
+
+}  // namespace
+}  // namespace tarnex
