@@ -13,7 +13,8 @@ namespace {
 using namespace tarnex;
 using Outline = std::vector<BulgeVertex>;
 
-// Every corner of the closed polygon becomes a tangent arc of radius r; the first vertex is repeated at the end.
+// Every corner of the closed polygon becomes a tangent arc of radius r; the first vertex is repeated at the
+// end.
 Outline rounded(const std::vector<AcGePoint2d>& p, double r) {
   Outline o;
   const std::size_t n = p.size();
@@ -38,8 +39,13 @@ std::vector<Outline> plates(std::size_t count) {
   std::vector<Outline> all;
   for (std::size_t i = 0; all.size() < count; ++i) {
     const double x = 60.0 * double(i % 71), y = 60.0 * double(i / 71), w = number(35, 50), h = number(35, 50);
-    all.push_back(rounded({{x, y}, {x + w, y}, {x + w, y + h * .55}, {x + w * .5, y + h * .55},
-                           {x + w * .5, y + h}, {x, y + h}}, number(1, 3)));
+    all.push_back(rounded({{x, y},
+                           {x + w, y},
+                           {x + w, y + h * .55},
+                           {x + w * .5, y + h * .55},
+                           {x + w * .5, y + h},
+                           {x, y + h}},
+                          number(1, 3)));
     const double radius = number(4, 7), turn = number(0, 1);
     std::vector<AcGePoint2d> hexagon;
     for (int k = 0; k < 6; ++k)
@@ -76,8 +82,10 @@ void offsetAll(benchmark::State& state, const std::vector<Outline>& outlines, do
     declined = curves = 0;
     for (const Outline& o : outlines) {
       const auto result = offsetCurves(o, distance);
-      if (result) curves += result->size();
-      else ++declined;
+      if (result)
+        curves += result->size();
+      else
+        ++declined;
     }
     benchmark::DoNotOptimize(curves);
   }
@@ -96,8 +104,14 @@ BENCHMARK(Plates)->Arg(150)->Arg(-150)->Arg(2500)->Arg(-2500)->Unit(benchmark::k
 void Gear(benchmark::State& state) {
   offsetAll(state, {gear(static_cast<std::size_t>(state.range(0)), 2.0)}, double(state.range(1)) / 1000);
 }
-BENCHMARK(Gear)->Args({4000, -150})->Args({400000, -150})->Args({400000, 150})->Args({4000, -600})
-    ->Args({400000, -600})->Args({400000, 600})->Unit(benchmark::kMillisecond);
+BENCHMARK(Gear)
+    ->Args({4000, -150})
+    ->Args({400000, -150})
+    ->Args({400000, 150})
+    ->Args({4000, -600})
+    ->Args({400000, -600})
+    ->Args({400000, 600})
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

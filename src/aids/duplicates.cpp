@@ -18,8 +18,10 @@ namespace {
 std::optional<FoldShape> shapeOf(const AcDbEntity& entity) {
   if (const auto* line = dynamic_cast<const AcDbLine*>(&entity))
     return foldLine(line->getStartPoint().flat(), line->getEndPoint().flat());
-  if (const auto* arc = dynamic_cast<const AcDbArc*>(&entity))
+  if (const auto* arc = dynamic_cast<const AcDbArc*>(&entity)) {
+    if (arc->isClosed()) return FoldCircle{arc->center().flat(), arc->radius()};
     return foldArc(arc->center().flat(), arc->radius(), arc->startAngle(), arc->endAngle());
+  }
   if (const auto* circle = dynamic_cast<const AcDbCircle*>(&entity))
     return FoldCircle{circle->center().flat(), circle->radius()};
   return std::nullopt;

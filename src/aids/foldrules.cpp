@@ -56,6 +56,8 @@ FoldOutcome foldArcs(FoldBase& base, FoldArc& a, const FoldArc& b) {
   if (!sameCircle(a.centre, a.radius, b.centre, b.radius)) return FoldOutcome::kKeep;
   if (sameAngle(a.a0, b.a1) && sameAngle(a.a1, b.a0)) return FoldOutcome::kDrop;
   const bool in0 = inAngles(b.a0, a.a0, a.a1), in1 = inAngles(b.a1, a.a0, a.a1);
+  // Both ends of b in a, but b runs the other way round from end to end: they cover the whole circle.
+  if (in0 && in1 && normalizedAngle(b.a1 - a.a0) < normalizedAngle(b.a0 - a.a0)) return FoldOutcome::kDrop;
   if (in0 || in1) {
     if (!in1) a.a1 = b.a1;
     if (!in0) a.a0 = b.a0;

@@ -1,6 +1,7 @@
 // The candidates of a chain and the index of their ends: buckets of grid cells.
 // Knows points and order only.
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "contour/chaining.h"
@@ -37,7 +38,10 @@ void ChainCandidates::rebuild() {
   // About one end a cell, and never finer than the reach of a query.
   if (!box.empty())
     cell_ = std::max({(box.high - box.low).length() / std::sqrt(2.0 * static_cast<double>(entries_.size())),
-                      finest_, roundoff(std::max(std::abs(box.low.x), std::abs(box.high.y))), 1e-9});
+                      finest_,
+                      roundoff(std::max({std::abs(box.low.x), std::abs(box.low.y), std::abs(box.high.x),
+                                         std::abs(box.high.y)})),
+                      1e-9});
   std::size_t count = 64;
   while (count < entries_.size() * 4) count *= 2;
   buckets_.assign(count, -1);
@@ -58,7 +62,10 @@ void ChainCandidates::add(AcDbObjectId id, AcGePoint2d start, AcGePoint2d end, s
   e.ends[1] = end;
   entries_.push_back(e);
   const auto slot = static_cast<std::uint32_t>(entries_.size() - 1);
+  if (id.index >= slots_.size())
+    slots_.resize(std::max<std::size_t>(id.index + 1, slots_.size() * 2), kNoSlot);
   slots_[id.index] = slot;
+  ++alive_;
   if (entries_.size() * 2 > buckets_.size()) {
     rebuild();
   } else {
@@ -68,10 +75,10 @@ void ChainCandidates::add(AcDbObjectId id, AcGePoint2d start, AcGePoint2d end, s
 }
 
 void ChainCandidates::remove(AcDbObjectId id) {
-  const auto found = slots_.find(id.index);
-  if (found == slots_.end()) return;
-  entries_[found->second].alive = false;
-  slots_.erase(found);
+  if (!contains(id)) return;
+  entries_[slots_[id.index]].alive = false;
+  slots_[id.index] = kNoSlot;
+  --alive_;
 }
 
 AcDbObjectId ChainCandidates::first() const {
@@ -91,15 +98,22 @@ void ChainCandidates::touching(AcGePoint2d p, double tolerance, std::vector<AcDb
     rebuild();
   }
   std::vector<const Entry*> hits;
-  std::vector<std::size_t> visited;
-  for (std::int64_t cx = cellOf(p.x - tolerance); cx <= cellOf(p.x + tolerance); ++cx)
-    for (std::int64_t cy = cellOf(p.y - tolerance); cy <= cellOf(p.y + tolerance); ++cy) {
+  std::array<std::size_t, 64> visited{};  // a query reaches over two cells and a bit at most
+  std::size_t visits = 0;
+  const double reach = tolerance + roundoff(std::max(std::abs(p.x), std::abs(p.y)));
+  for (std::int64_t cx = cellOf(p.x - reach); cx <= cellOf(p.x + reach); ++cx)
+    for (std::int64_t cy = cellOf(p.y - reach); cy <= cellOf(p.y + reach); ++cy) {
       const std::size_t b = bucketOf(cx, cy);
-      if (std::find(visited.begin(), visited.end(), b) != visited.end()) continue;
-      visited.push_back(b);
+      if (std::find(visited.begin(), visited.begin() + static_cast<long>(visits), b) !=
+          visited.begin() + static_cast<long>(visits))
+        continue;
+      visited[visits++] = b;
       for (std::int32_t at = buckets_[b]; at >= 0;) {
         const Entry& e = entries_[static_cast<std::size_t>(at / 2)];
-        if (e.alive && e.ends[at % 2].distanceTo(p) <= tolerance) hits.push_back(&e);
+        const AcGeVector2d off = e.ends[at % 2] - p;
+        if (e.alive && std::abs(off.x) <= tolerance && std::abs(off.y) <= tolerance &&
+            off.length() <= tolerance)
+          hits.push_back(&e);
         at = e.next[at % 2];
       }
     }

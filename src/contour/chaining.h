@@ -16,8 +16,10 @@ class ChainCandidates {
  public:
   void add(AcDbObjectId id, AcGePoint2d start, AcGePoint2d end, std::uint64_t order);
   void remove(AcDbObjectId id);
-  [[nodiscard]] bool contains(AcDbObjectId id) const { return slots_.count(id.index) != 0; }
-  [[nodiscard]] std::size_t size() const { return slots_.size(); }
+  [[nodiscard]] bool contains(AcDbObjectId id) const {
+    return id.index < slots_.size() && slots_[id.index] != kNoSlot;
+  }
+  [[nodiscard]] std::size_t size() const { return alive_; }
   [[nodiscard]] AcDbObjectId first() const;  // null when there are none
   // Candidates with an end within `tolerance` of p (inclusive), in order. Fills `found`.
   void touching(AcGePoint2d p, double tolerance, std::vector<AcDbObjectId>& found);
@@ -37,7 +39,9 @@ class ChainCandidates {
   void rebuild();
 
   std::vector<Entry> entries_;
-  std::unordered_map<std::uint32_t, std::uint32_t> slots_;  // id index -> entry
+  static constexpr std::uint32_t kNoSlot = 0xFFFFFFFF;
+  std::vector<std::uint32_t> slots_;  // by id: entry
+  std::size_t alive_ = 0;
   std::vector<std::int32_t> buckets_;
   double cell_ = 1.0, finest_ = 0;  // mm
   mutable std::size_t firstAlive_ = 0;

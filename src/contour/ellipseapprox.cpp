@@ -62,6 +62,18 @@ AcDbObjectId trimToArc(AcEditor& editor, AcDbObjectId polyline, const EllipseDat
   return editor.acdbEntLast();
 }
 
+// The arcs run a thousandth of the ellipse's size beside it; its ends must still meet those of its
+// neighbours.
+void placeEnds(AcDbDatabase& drawing, AcDbObjectId id, const EllipseData& d) {
+  auto polyline = drawing.open<AcDbPolyline>(id, OpenMode::kForWrite);
+  if (!polyline || polyline->isClosed() || polyline->numVerts() < 2) return;
+  const int last = polyline->numVerts() - 1;
+  const AcGePoint2d first = polyline->getPointAt(0);
+  const bool forward = first.distanceTo(d.s) <= first.distanceTo(d.e);
+  polyline->setPointAt(0, forward ? d.s : d.e);
+  polyline->setPointAt(last, forward ? d.e : d.s);
+}
+
 AcDbObjectId drawInPlace(AcEditor& editor, const EllipseData& d, AcDbObjectId before) {
   AcDbDatabase& drawing = editor.database();
   drawFullEllipse(editor, d);
@@ -80,7 +92,10 @@ AcDbObjectId drawInPlace(AcEditor& editor, const EllipseData& d, AcDbObjectId be
     made->setColorIndex(d.color);
     if (!made->isKindOf(AcDbPolyline::desc())) return {};
   }
-  return d.full() ? id : trimToArc(editor, id, d);
+  if (d.full()) return id;
+  id = trimToArc(editor, id, d);
+  placeEnds(drawing, id, d);
+  return id;
 }
 
 // One conversion command: every entity of class T in a selection.

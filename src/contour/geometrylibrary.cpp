@@ -119,7 +119,14 @@ int pointInPolyline(const PolylineCurve& c, AcGePoint2d p) {
     const double t = triangleArea(p - shift, from - shift, to - shift);
     if (std::abs(t) > kNegligibleArea) decided = t;
   }
-  const double sided = decided * walkArea(c);
+  const double area = walkArea(c);
+  if (area == 0 || p.distanceTo(q) <= kSamePoint) return 0;
+  // At a vertex the sides of its two spans may differ, and near one a span may be too short to decide; the
+  // winding of the whole contour doesn't waver.
+  const auto atVertex = [q](const BulgeVertex& v) { return v.point.distanceTo(q) <= kSamePoint; };
+  if (decided == 0 || std::any_of(c.vertices.begin(), c.vertices.end(), atVertex))
+    return insideClosedWalk(c.vertices, p) ? 1 : -1;
+  const double sided = decided * area;
   return sided > 0 ? 1 : sided < 0 ? -1 : 0;
 }
 

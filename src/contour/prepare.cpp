@@ -17,6 +17,7 @@ struct DrawingCandidates {
   AcDbDatabase* drawing = nullptr;
   std::uint64_t stamp = 0;
   ChainCandidates candidates;
+  std::vector<AcDbObjectId> waiting;  // couldn't be taken when they were looked at: seeds, locked layers
 };
 
 // The drawing's form of a two-vertex polyline: its one span as a line or an arc, by layer's colour.
@@ -33,35 +34,38 @@ AcDbObjectId explodeTwoVertices(AcDbDatabase& drawing, AcDbObjectId id) {
 }
 
 // What the entity is as a candidate, after the drawing has been changed for it; null when it is none.
-AcDbObjectId candidateFor(AcEditor& editor, AcDbObjectId id) {
+// Nothing: it can't be changed now.
+std::optional<AcDbObjectId> candidateFor(AcEditor& editor, AcDbObjectId id) {
   AcDbDatabase& drawing = editor.database();
   int vertices = 0;
   {
     auto entity = drawing.open<AcDbEntity>(id, OpenMode::kForWrite);
-    if (!entity) return {};
+    if (!entity) return std::nullopt;
     if (entity->isKindOf(AcDbLine::desc()) || entity->isKindOf(AcDbArc::desc())) return id;
     auto* polyline =
         &entity->isA() == &AcDbPolyline::desc() ? static_cast<AcDbPolyline*>(entity.get()) : nullptr;
     if (polyline) {
-      if (polyline->isClosed() || polyline->numVerts() == 0) return {};
+      if (polyline->isClosed() || polyline->numVerts() == 0) return AcDbObjectId{};
       vertices = polyline->numVerts();
       if (vertices != 2) {
         removeCoincidentVertices(*polyline);
         return id;
       }
     } else if (!entity->isKindOf(AcDbEllipse::desc())) {
-      return {};
+      return AcDbObjectId{};
     }
   }
   return vertices == 2 ? explodeTwoVertices(drawing, id) : ellipseToPolyline(editor, id);
 }
 
-void addCandidate(AcEditor& editor, AcDbObjectId id, std::uint64_t order, ChainCandidates& candidates) {
-  const AcDbObjectId becomes = candidateFor(editor, id);
-  if (becomes.isNull()) return;
+// False: the entity can't be changed now.
+bool addCandidate(AcEditor& editor, AcDbObjectId id, std::uint64_t order, ChainCandidates& candidates) {
+  const auto becomes = candidateFor(editor, id);
+  if (!becomes) return false;
   // A whole ellipse is a closed polyline now, and closed ones never join.
-  if (const auto* curve = editor.database().peek<AcDbCurve>(becomes); curve && !curve->isClosed())
-    candidates.add(becomes, curve->getStartPoint().flat(), curve->getEndPoint().flat(), order);
+  if (const auto* curve = editor.database().peek<AcDbCurve>(*becomes); curve && !curve->isClosed())
+    candidates.add(*becomes, curve->getStartPoint().flat(), curve->getEndPoint().flat(), order);
+  return true;
 }
 
 // The candidates of the whole drawing without the seed.
@@ -71,16 +75,21 @@ ChainCandidates& wholeDrawing(Module& module, AcDbObjectId seed) {
   std::vector<AcDbObjectId> touched;
   if (kept.drawing != &drawing || !drawing.changesSince(kept.stamp, touched)) {
     kept.candidates = {};
+    kept.waiting.clear();
     kept.drawing = &drawing;
     touched = drawing.modelSpaceEntities();
   }
   kept.stamp = drawing.changeStamp();
+  touched.insert(touched.end(), kept.waiting.begin(), kept.waiting.end());
+  kept.waiting.clear();
   for (AcDbObjectId id : touched) {
     kept.candidates.remove(id);
-    if (id != seed && drawing.peek<AcDbEntity>(id))
-      addCandidate(module.editor, id, id.index, kept.candidates);
+    if (id != seed && drawing.peek<AcDbEntity>(id) &&
+        !addCandidate(module.editor, id, id.index, kept.candidates))
+      kept.waiting.push_back(id);
   }
   kept.candidates.remove(seed);
+  kept.waiting.push_back(seed);
   return kept.candidates;
 }
 
@@ -127,7 +136,7 @@ bool isClosedPolyline(AcDbDatabase& drawing, AcDbObjectId id) {
 }  // namespace
 
 std::size_t collectChainCandidates(AcEditor& editor, const SelectionSet& set, ChainCandidates& candidates) {
-  for (std::size_t i = 0; i < set.size(); ++i) addCandidate(editor, set[i], i, candidates);
+  for (std::size_t i = 0; i < set.size(); ++i) (void)addCandidate(editor, set[i], i, candidates);
   return candidates.size();
 }
 

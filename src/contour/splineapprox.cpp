@@ -2,6 +2,7 @@
 // longest chords that pass the test. Knows the spline alone.
 #include "contour/approximation.h"
 #include "contour/hosthelpers.h"
+#include "host/geometry/measured.h"
 
 namespace tarnex {
 
@@ -14,19 +15,19 @@ constexpr int kStations = 10;
 class SplineWalk {
  public:
   SplineWalk(AcEditor& editor, const AcDbSpline& spline)
-      : editor_(editor), spline_(spline), curve_(spline.geometry()), length_(tarnex::length(curve_)) {}
+      : editor_(editor), spline_(spline), curve_(spline.geometry()), length_(curve_.length()) {}
 
   PolylineCurve run(AcGePoint2d first) {
     // The first control point of a spline that isn't clamped lies off the curve; the wire starts on it.
-    const bool onCurve = closestPoint(curve_, first).distance <= kChordDeviation;
-    out_.vertices.push_back({onCurve ? first : startPoint(curve_), 0});
+    const bool onCurve = curve_.closestPoint(first).distance <= kChordDeviation;
+    out_.vertices.push_back({onCurve ? first : startPoint(curve_.curve()), 0});
     const int n = spline_.hasFitData() ? spline_.numFitPoints() : spline_.numControlPoints();
     for (int k = 1; k < n; ++k) {
       const auto p0 = definingPoint(k - 1), p1 = definingPoint(k);
       if (!p0 || !p1) break;
-      const Closest from = closestPoint(curve_, *p0), to = closestPoint(curve_, *p1);
-      const double d1 = k == n - 1 ? length_ : distAtParam(curve_, to.param);
-      stretch(from.point, distAtParam(curve_, from.param), d1);
+      const Closest from = curve_.closestPoint(*p0), to = curve_.closestPoint(*p1);
+      const double d1 = k == n - 1 ? length_ : curve_.distAtParam(to.param);
+      stretch(from.point, curve_.distAtParam(from.param), d1);
     }
     return std::move(out_);
   }
@@ -42,7 +43,7 @@ class SplineWalk {
     double step = full;
     for (int tries = 0; tries < kMostTries; ++tries) {
       const double at = std::clamp(d0 + step, 0.0, length_);
-      const AcGePoint2d c = pointAtDist(curve_, at).value_or(endPoint(curve_));
+      const AcGePoint2d c = pointAt(at);
       if (!chordPasses(c, p0)) {
         step *= 0.5;
         continue;
@@ -68,9 +69,14 @@ class SplineWalk {
     const AcGeVector2d along = p0 - c;
     for (int i = 0; i < kStations; ++i) {
       const AcGePoint2d station = c + along * (i * 0.1);
-      if (closestPoint(curve_, station).distance > kChordDeviation) return false;
+      if (curve_.closestPoint(station).distance > kChordDeviation) return false;
     }
     return true;
+  }
+
+  AcGePoint2d pointAt(double dist) const {
+    const auto p = curve_.pointAtDist(dist);
+    return p ? *p : endPoint(curve_.curve());
   }
 
   void spin() {
@@ -80,7 +86,7 @@ class SplineWalk {
 
   AcEditor& editor_;
   const AcDbSpline& spline_;
-  Curve curve_;
+  MeasuredCurve curve_;
   double length_;
   PolylineCurve out_;
   double reached_ = 0;  // mm along the spline of the last vertex

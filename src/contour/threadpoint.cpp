@@ -1,23 +1,100 @@
 // The search for a threading point inside a contour: a scan of twenty stations, not a medial axis.
 // Knows the polyline alone.
+#include <algorithm>
+#include <cmath>
+
 #include "contour/geometrylibrary.h"
 
 namespace tarnex {
 
 namespace {
 
+// A span as scan lines cross it. An arc lies on one side of its chord.
+struct ScanSpan {
+  AcGePoint2d start, end;
+  bool arc = false;
+  double side = 0;  // of the arc: 1 left of the chord, -1 right
+  SpanCircle circle;
+};
+
+std::vector<ScanSpan> scanSpans(const PolylineCurve& c) {
+  std::vector<ScanSpan> spans;
+  spans.reserve(c.spanCount());
+  for (std::size_t i = 0; i < c.spanCount(); ++i) {
+    const auto& a = c.vertices[i];
+    const AcGePoint2d end = c.vertices[(i + 1) % c.vertices.size()].point;
+    if (a.point == end) continue;
+    ScanSpan s{a.point, end, a.bulge != 0, a.bulge > 0 ? -1.0 : 1.0, {}};
+    if (s.arc) s.circle = bulgeToCircle(a.point, end, a.bulge);
+    spans.push_back(s);
+  }
+  return spans;
+}
+
 // What the scan has found so far.
 struct Scan {
   const PolylineCurve& contour;
+  Curve curve;  // the contour once more, for the kernel
+  std::vector<ScanSpan> spans;
   Extents2d box;
   ThreadPoint found;
   double best = 0;
   bool refined = false;
+  std::vector<double> up, across;
 
-  std::vector<AcGePoint2d> hits(AcGePoint2d from, AcGePoint2d to, int sortMode) const {
-    auto points = intersect(LineCurve{from, to}, contour, Extend::kOnBothOperands);
-    sortPoints(points, sortMode);
-    return points;
+  // Where the contour meets the line x = at (or y = at), as the other coordinate, ascending, each place once.
+  void hits(bool vertical, double at, std::vector<double>& out) const {
+    out.clear();
+    const auto along = [&](AcGePoint2d p) { return vertical ? p.x : p.y; };
+    const auto other = [&](AcGePoint2d p) { return vertical ? p.y : p.x; };
+    for (const ScanSpan& s : spans) {
+      const double d0 = along(s.start) - at, d1 = along(s.end) - at;
+      if (!s.arc) {
+        if (d0 == 0) out.push_back(other(s.start));
+        if (d1 == 0) out.push_back(other(s.end));
+        if ((d0 < 0 && d1 > 0) || (d0 > 0 && d1 < 0))
+          out.push_back(other(s.start) + (other(s.end) - other(s.start)) * (d0 / (d0 - d1)));
+        continue;
+      }
+      const double off = at - along(s.circle.centre), square = s.circle.radius * s.circle.radius - off * off;
+      if (square < 0) continue;
+      for (double sign : {-1.0, 1.0}) {
+        const double v = other(s.circle.centre) + sign * std::sqrt(square);
+        const AcGePoint2d p = vertical ? AcGePoint2d{at, v} : AcGePoint2d{v, at};
+        const double beside = (s.end - s.start).crossProduct(p - s.start) * s.side;
+        if (beside >= -roundoff(s.circle.radius * s.circle.radius)) out.push_back(v);
+      }
+    }
+    std::sort(out.begin(), out.end());
+    const double same = roundoff(std::max({std::abs(box.low.x), std::abs(box.low.y), std::abs(box.high.x),
+                                           std::abs(box.high.y)})) *
+                        16;
+    out.erase(std::unique(out.begin(), out.end(), [&](double a, double b) { return b - a <= same; }),
+              out.end());
+  }
+
+  double distance(AcGePoint2d p) const {
+    double nearest = std::numeric_limits<double>::infinity();
+    for (const ScanSpan& s : spans) nearest = std::min(nearest, squaredDistance(s, p));
+    return std::sqrt(nearest);
+  }
+
+  static double square(AcGeVector2d v) { return v.dotProduct(v); }
+
+  static double squaredDistance(const ScanSpan& s, AcGePoint2d p) {
+    const AcGeVector2d chord = s.end - s.start, toP = p - s.start;
+    if (!s.arc) {
+      const double t = std::clamp(toP.dotProduct(chord) / square(chord), 0.0, 1.0);
+      return square(toP - chord * t);
+    }
+    const AcGeVector2d out = p - s.circle.centre;
+    const double away = std::sqrt(square(out));
+    if (away > 0) {
+      const AcGePoint2d foot = s.circle.centre + out * (s.circle.radius / away);
+      if (chord.crossProduct(foot - s.start) * s.side >= 0)
+        return (away - s.circle.radius) * (away - s.circle.radius);
+    }
+    return std::min(square(toP), square(p - s.end));
   }
 
   bool nearVertex(AcGePoint2d p) const {
@@ -26,32 +103,46 @@ struct Scan {
     return false;
   }
 
-  // The middle of the horizontal chord through m, when it lies farther from the contour than m.
-  AcGePoint2d centred(AcGePoint2d m) {
-    const auto across = hits({box.low.x, m.y}, {box.high.x, m.y}, 0);
-    for (std::size_t k = 0; k + 1 < across.size(); k += 2) {
-      if (!(across[k].x < m.x && m.x < across[k + 1].x)) continue;
-      const AcGePoint2d middle = midpoint(across[k], across[k + 1]);
-      const AcGePoint2d moved{middle.x, m.y};
-      if (distanceToCurve(contour, moved) > distanceToCurve(contour, m)) {
-        refined = true;
-        return moved;
-      }
-    }
-    return m;
+  // Half the longest horizontal chord that m lies on.
+  double halfChordAcross(AcGePoint2d m) {
+    hits(false, m.y, across);
+    double half = 0;
+    for (std::size_t k = 0; k + 1 < across.size(); k += 2)
+      if (across[k] < m.x && m.x < across[k + 1]) half = std::max(half, (across[k + 1] - across[k]) / 2);
+    return half;
   }
 
-  void offer(AcGePoint2d m) {
-    if (!(distanceToCurve(contour, m) > best)) return;
-    const AcGePoint2d c = closestPoint(contour, m).point;
+  // The middle of the horizontal chord through m, when it lies farther from the contour than m.
+  void centre(AcGePoint2d& m, double& away) {
+    hits(false, m.y, across);
+    for (std::size_t k = 0; k + 1 < across.size(); k += 2) {
+      if (!(across[k] < m.x && m.x < across[k + 1])) continue;
+      const AcGePoint2d moved{(across[k] + across[k + 1]) / 2, m.y};
+      const double d = distance(moved);
+      if (!(d > away)) continue;
+      refined = true;
+      m = moved;
+      away = d;
+      return;
+    }
+  }
+
+  // `half` is half the chord that m is the middle of: no point of it is farther from the contour.
+  void offer(AcGePoint2d m, double half) {
+    if (refined && half <= best && !(halfChordAcross(m) > best)) return;
+    double away = distance(m);
+    centre(m, away);
+    if (!(away > best)) return;
+    const AcGePoint2d c = closestPoint(curve, m).point;
     if (nearVertex(c)) return;
     found = {m, c};
     best = m.distanceTo(c);
   }
 
   void station(double x) {
-    const auto up = hits({x, box.low.y}, {x, box.high.y}, 1);
-    for (std::size_t k = 0; k + 1 < up.size(); k += 2) offer(centred({x, (up[k].y + up[k + 1].y) / 2}));
+    hits(true, x, up);
+    for (std::size_t k = 0; k + 1 < up.size(); k += 2)
+      offer({x, (up[k] + up[k + 1]) / 2}, (up[k + 1] - up[k]) / 2);
   }
 };
 
@@ -73,7 +164,8 @@ ThreadPoint lengthCentroid(const PolylineCurve& c) {
 
 ThreadPoint findThreadPoint(const PolylineCurve& c) {
   if (c.vertices.empty()) return {};
-  Scan scan{c, extents(c), {}};
+  Scan scan{c, c, scanSpans(c), {}, {}, 0, false, {}, {}};
+  scan.box = extents(scan.curve);
   for (int i = 0; i < 20; ++i) scan.station(scan.box.low.x + (scan.box.high.x - scan.box.low.x) * i * 0.05);
   if (scan.refined && scan.found.thread.distanceTo(scan.found.contour) > 1.0) return scan.found;
   return lengthCentroid(c);

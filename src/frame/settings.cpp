@@ -133,9 +133,18 @@ WireCutSettings::WireCutSettings(const std::string& installFolder)
   construct(*this, settingsRows());
 }
 
+// Looking for a file whatever its case asks the system for each part of its path; once found it stays.
+const std::string& WireCutSettings::realFile() {
+  if (realFile_.empty() || realFileOf_ != sFilePath || !fileStamp_) {
+    realFile_ = realPath(sFilePath);
+    realFileOf_ = sFilePath;
+  }
+  return realFile_;
+}
+
 bool WireCutSettings::load(std::string* cause) {
   bool whole = true;
-  const std::string path = realPath(sFilePath);
+  const std::string& path = realFile();
   if (const auto stamp = tarnex::fileStamp(path)) {
     if (stamp != fileStamp_) {
       auto bytes = readFile(path);
@@ -163,7 +172,7 @@ bool WireCutSettings::save(std::string* cause) {
   auto record = image;
   encode(*this, settingsRows(), record.data());
   const std::string_view bytes(reinterpret_cast<const char*>(record.data()), record.size());
-  const std::string path = realPath(sFilePath);
+  const std::string& path = realFile();
   if (fileStamp_ && bytes == fileBytes_ && tarnex::fileStamp(path) == fileStamp_) return true;
   const auto failure = writeFileAtomically(path, bytes);
   if (failure) {

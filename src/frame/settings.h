@@ -82,6 +82,9 @@ struct WireCutSettings {
   bool setFromText(std::string_view field, std::string_view text, std::string& error);
 
  private:
+  const std::string& realFile();
+  std::string realFile_,
+      realFileOf_;  // path of this machine, and the path of the system that it was found for
   // What the file holds, as long as its stamp stays the same: commands save and load around every step.
   std::string fileBytes_;
   std::optional<FileStamp> fileStamp_;

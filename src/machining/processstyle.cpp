@@ -14,4 +14,13 @@ ProcessStyle::ProcessStyle() {
   }
 }
 
+SharedStyle::SharedStyle() {
+  static const auto defaults = std::make_shared<const ProcessStyle>();
+  style_ = defaults;
+}
+
+void SharedStyle::set(const ProcessStyle& style) {
+  if (!(*style_ == style)) style_ = std::make_shared<const ProcessStyle>(style);
+}
+
 }  // namespace tarnex

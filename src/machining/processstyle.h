@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <memory>
 #include <string>
 
 namespace tarnex {
@@ -28,6 +29,18 @@ struct ProcessStyle {
   std::array<double, kMostPasses> passOffset{};  // taper of each pass, degrees
   ProcessStyle();
   bool operator==(const ProcessStyle&) const = default;
+};
+
+// A style that many paths hold without each having a copy. Changing it changes no other holder's.
+class SharedStyle {
+ public:
+  SharedStyle();  // the defaults
+  [[nodiscard]] const ProcessStyle& operator*() const { return *style_; }
+  [[nodiscard]] const ProcessStyle* operator->() const { return style_.get(); }
+  void set(const ProcessStyle& style);
+
+ private:
+  std::shared_ptr<const ProcessStyle> style_;
 };
 
 }  // namespace tarnex

@@ -73,7 +73,7 @@ void Application::openCatalogue() {
     editor_.messageBox(*failure, MB_ICONINFORMATION);
   Module* module = module_.get();
   editor_.setFrameTexts([module](int number) { return module->message(number); },
-                        [module] { return module->installFolder; });
+                        [module] { return module->installFolder; }, module->language);
 }
 
 void Application::registerCommands() {

@@ -28,7 +28,7 @@ void Program3b::unnumbered(std::string_view words) {
 
 namespace {
 
-constexpr double kNoTaper = 0.001;   // degrees; smaller ones aren't marked
+constexpr double kNoTaper = 0.001;  // degrees; smaller ones aren't marked
 
 class ContourWriter {
  public:
@@ -51,8 +51,13 @@ class ContourWriter {
 
   // Writes segment i and what stands at its end; the index to go on with.
   int segment(int i, std::string& firstCode) {
-    encodeSegment(block_, l_.p[at(i)], l_.p[at(i + 1)], l_.bulge[at(i)], origin());
-    if (block_.empty()) return i + 1;
+    const double bulge = l_.bulge[at(i)] == kMarkedBulge ? 0.0 : l_.bulge[at(i)];
+    encodeSegment(block_, l_.p[at(i)], l_.p[at(i + 1)], bulge, origin());
+    if (block_.empty()) {
+      // Without its pause the part would fall out.
+      if (i == l_.nPauseAt - 1) program_.unnumbered(context_.pauseText);
+      return i + 1;
+    }
     if (i == l_.nPauseAt - 1) {
       program_.block(block_);
       program_.unnumbered(context_.pauseText);

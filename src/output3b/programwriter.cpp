@@ -175,7 +175,9 @@ class ProgramWriter {
 std::string programName(Module& module) {
   const bool ask = module.settings.bAskFileName != 0;
   std::string base = ask ? module.settings.sLastNcFile : module.drawing().dwgName;
-  if (const auto dot = base.rfind('.'); dot != std::string::npos && dot > 0) base.resize(dot);
+  const auto folder = base.find_last_of("/\\");
+  const auto first = folder == std::string::npos ? 0 : folder + 1;
+  if (const auto dot = base.rfind('.'); dot != std::string::npos && dot > first) base.resize(dot);
   if (!ask) return base + ".3b";
   const auto answer = module.editor.acedGetFileD(module.message(20202), base, "3B", true);
   return answer ? answer.value : std::string();

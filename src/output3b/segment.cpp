@@ -84,6 +84,7 @@ Block lineBlock(AcGePoint2d start, AcGePoint2d end) {
 struct ArcState {
   AcGePoint2d centre, start, end;
   double radius, a0, a1, d0, d1;
+  double sweep;  // radians, above 0
   bool counterClockwise;
 };
 
@@ -91,7 +92,7 @@ double degreesToThousandth(double radians) {
   return round1000(radians * 180 / kPi) * 0.001;
 }
 
-void snapStart(ArcState& s) {
+void snapEnds(ArcState& s) {
   constexpr double kSnap = 0.01;  // degrees
   for (int quarter = 1; quarter <= 3; ++quarter)
     if (std::abs(s.d0 - 90.0 * quarter) <= kSnap) {
@@ -108,6 +109,17 @@ void snapStart(ArcState& s) {
     }
     if (std::abs(s.d1 - 360) <= 0.001) s.a1 = 0;
   }
+}
+
+// An end that is snapped must not pass the other one: a tiny arc would become the whole circle.
+void snapUnlessTurned(ArcState& s) {
+  const double a0 = s.a0, a1 = s.a1;
+  snapEnds(s);
+  double walked = s.counterClockwise ? s.a1 - s.a0 : s.a0 - s.a1;
+  if (walked < 0) walked += 2 * kPi;
+  if (std::abs(walked - s.sweep) <= kPi) return;
+  s.a0 = a0;
+  s.a1 = a1;
 }
 
 // First quadrant limit on the way and the word of the quadrant that the arc starts in.
@@ -177,6 +189,7 @@ Block arcBlock(AcGePoint2d start, AcGePoint2d end, double bulge) {
              acutAngle(circle.centre, end),
              0,
              0,
+             4 * std::atan(std::abs(bulge)),
              bulge > 0};
   s.d0 = degreesToThousandth(s.a0);
   s.d1 = degreesToThousandth(s.a1);
@@ -185,7 +198,7 @@ Block arcBlock(AcGePoint2d start, AcGePoint2d end, double bulge) {
   b.by = wholeCount(cleared(std::abs(round1000(start.y - s.centre.y))));
   const bool alongX = std::abs(end.y - s.centre.y) > std::abs(end.x - s.centre.x);
   b.axis = alongX ? "GX" : "GY";
-  snapStart(s);
+  snapUnlessTurned(s);
   const Quadrant q = quadrantOfStart(s);
   b.word = q.word;
   const AcGeVector2d sum = summedExtents(s, q.limit);

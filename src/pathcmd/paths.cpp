@@ -45,17 +45,71 @@ struct Measured {
   AcGePoint2d start;
 };
 
-// Among the paths from `from` on that are as long as `length`, the nearest to p comes to place `to`.
-void bringNearest(std::vector<Measured>& paths, std::size_t from, std::size_t to, double length,
-                  AcGePoint2d p, double best) {
-  for (std::size_t j = from; j < paths.size(); ++j) {
-    if (std::abs(paths[j].length - length) > kSameLength) continue;
-    const double distance = paths[j].start.distanceTo(p);
-    if (!(distance < best)) continue;
-    best = distance;
-    std::swap(paths[j], paths[to]);
+// An exchange sort by length. Where no two lengths are equal any sort gives the same.
+void exchangeSort(std::vector<Measured>& paths) {
+  const auto shorter = [](const Measured& a, const Measured& b) { return a.length < b.length; };
+  if (std::is_sorted(paths.begin(), paths.end(), shorter)) return;
+  auto sorted = paths;
+  std::sort(sorted.begin(), sorted.end(), shorter);
+  const bool distinct =
+      std::adjacent_find(sorted.begin(), sorted.end(), [](const Measured& a, const Measured& b) {
+        return a.length == b.length;
+      }) == sorted.end();
+  if (distinct) {
+    paths = std::move(sorted);
+    return;
   }
+  for (std::size_t i = 0; i < paths.size(); ++i)
+    for (std::size_t j = i + 1; j < paths.size(); ++j)
+      if (paths[j].length < paths[i].length) std::swap(paths[i], paths[j]);
 }
+
+// The walk among paths of one length. Where each path stands is kept beside an index by length, so that a
+// step looks at the paths of that length alone; they are looked at in the order of their places, as a scan
+// would.
+class EqualLengthWalk {
+ public:
+  explicit EqualLengthWalk(std::vector<Measured>& paths)
+      : paths_(paths), place_(paths.size()), item_(paths.size()) {
+    for (std::size_t i = 0; i < paths.size(); ++i) place_[i] = item_[i] = i;
+    for (const auto& p : paths) lengths_.push_back(p.length);
+  }
+
+  // Among the paths from place `from` on that are as long as `length`, the nearest to p comes to place `to`.
+  void bringNearest(std::size_t from, std::size_t to, double length, AcGePoint2d p, double best) {
+    collect(from, length);
+    for (std::size_t j : places_) {
+      const double distance = paths_[j].start.distanceTo(p);
+      if (!(distance < best)) continue;
+      best = distance;
+      exchange(j, to);
+    }
+  }
+
+ private:
+  void collect(std::size_t from, double length) {
+    places_.clear();
+    // A little wider than the tolerance; the exact test follows.
+    auto at = std::lower_bound(lengths_.begin(), lengths_.end(), length - 2 * kSameLength);
+    for (; at != lengths_.end() && *at <= length + 2 * kSameLength; ++at) {
+      const std::size_t j = place_[static_cast<std::size_t>(at - lengths_.begin())];
+      if (j >= from && !(std::abs(*at - length) > kSameLength)) places_.push_back(j);
+    }
+    std::sort(places_.begin(), places_.end());
+  }
+
+  void exchange(std::size_t a, std::size_t b) {
+    std::swap(paths_[a], paths_[b]);
+    std::swap(item_[a], item_[b]);
+    place_[item_[a]] = a;
+    place_[item_[b]] = b;
+  }
+
+  std::vector<Measured>& paths_;
+  std::vector<double> lengths_;            // ascending, by item
+  std::vector<std::size_t> place_, item_;  // of an item; at a place
+  std::vector<std::size_t> places_;
+};
 
 }  // namespace
 
@@ -125,17 +179,16 @@ void sortByLength(AcDbDatabase& drawing, PathState& state) {
   for (AcDbObjectId id : state.PathList)
     if (const auto* path = pathAt(drawing, id))
       paths.push_back({id, path->contourLength(), path->getPointAt(0)});
-  for (std::size_t i = 0; i < paths.size(); ++i)
-    for (std::size_t j = i + 1; j < paths.size(); ++j)
-      if (paths[j].length < paths[i].length) std::swap(paths[i], paths[j]);
+  exchangeSort(paths);
+  EqualLengthWalk walk(paths);
   for (std::size_t i = 0; i + 1 < paths.size(); ++i) {
     const AcGePoint2d p = paths[i].start;
     double length = paths[i].length;
     if (std::abs(paths[i + 1].length - length) > kSameLength) {
       length = paths[i + 1].length;
-      bringNearest(paths, i + 2, i + 1, length, p, p.distanceTo(paths[i + 1].start));
+      walk.bringNearest(i + 2, i + 1, length, p, p.distanceTo(paths[i + 1].start));
     }
-    bringNearest(paths, i + 1, i + 1, length, p, kFarAway);
+    walk.bringNearest(i + 1, i + 1, length, p, kFarAway);
   }
   state.PathList.clear();
   for (const auto& path : paths) state.PathList.push_back(path.id);

@@ -29,9 +29,10 @@ void sortNearest(AcDbDatabase& drawing, PathState& state, int first, int last);
 // Shorter contours first, equal ones in a nearest-neighbour walk, then new numbers.
 void sortByLength(AcDbDatabase& drawing, PathState& state);
 
-// The same paths with every one behind those that lie inside its contour, else in their order: what is cut out must not
-// take along what is still to be cut.
-[[nodiscard]] std::vector<AcDbObjectId> insideFirst(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& order);
+// The same paths with every one behind those that lie inside its contour, else in their order: what is cut
+// out must not take along what is still to be cut.
+[[nodiscard]] std::vector<AcDbObjectId> insideFirst(const AcDbDatabase& drawing,
+                                                    const std::vector<AcDbObjectId>& order);
 
 // The user's choice of paths for a program, in order. Nothing: none, or cancelled.
 [[nodiscard]] std::optional<std::vector<AcDbObjectId>> selectProgramPaths(Module& module);

@@ -23,8 +23,18 @@ struct OwnedSpan {
   std::uint32_t path;  // index of the path
 };
 
+// Holds the span; of an arc a little more.
 Extents2d boxOf(const OwnedSpan& s) {
-  return extents(spanCurve(s.start, s.end, s.bulge));
+  Extents2d box;
+  box.add(s.start);
+  box.add(s.end);
+  if (s.bulge == 0) return box;
+  // An arc stays within the circle about its chord's middle through its ends or its crown.
+  const AcGePoint2d middle = midpoint(s.start, s.end);
+  const double reach = s.start.distanceTo(s.end) / 2 * std::max(1.0, std::abs(s.bulge));
+  Extents2d round;
+  round.add(middle);
+  return round.grown(reach);
 }
 
 // Least distance of two spans: their ends to each other, or 0 where they cross.
@@ -48,6 +58,31 @@ double spanDistance(const OwnedSpan& a, const OwnedSpan& b, AcGePoint2d& at) {
   return best;
 }
 
+// Inside lies left of a counter-clockwise walk.
+double leftOffset(const PolylineCurve& contour, bool hole, double offset) {
+  return hole == (signedArea(contour.vertices) > 0) ? offset : -offset;
+}
+
+struct TightArc {
+  double radius = 0;  // mm; 0 none
+  AcGePoint2d at;
+};
+
+// The smallest arc that the wire runs inside of and that is smaller than the offset.
+TightArc smallestTightRadius(const PolylineCurve& contour, bool hole, double offset) {
+  TightArc tight;
+  const auto& v = contour.vertices;
+  const double toTheLeft = leftOffset(contour, hole, offset);
+  for (std::size_t i = 0; i < v.size(); ++i) {
+    const AcGePoint2d end = v[(i + 1) % v.size()].point;
+    if (v[i].bulge == 0 || v[i].point == end || v[i].bulge * toTheLeft <= 0) continue;
+    const double radius = bulgeToCircle(v[i].point, end, v[i].bulge).radius;
+    if (radius >= std::abs(offset) || (tight.radius > 0 && radius >= tight.radius)) continue;
+    tight = {radius, v[i].point};
+  }
+  return tight;
+}
+
 class Survey {
  public:
   Survey(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& ids) {
@@ -56,14 +91,14 @@ class Survey {
         paths_.push_back(path);
   }
 
-  std::vector<WireWarning> run() {
+  WireSurvey run() {
     collect();
     for (std::uint32_t i = 0; i < paths_.size(); ++i) {
       fate(i);
       neighbours(i);
       leadIn(i);
     }
-    return std::move(warnings_);
+    return {std::move(warnings_), cutLength_};
   }
 
  private:
@@ -89,17 +124,30 @@ class Survey {
 
   static double wireOffset(const CToolPath& p) { return p.dOffset() - p.nSide() * p.dClearance(); }
 
+  // The wire's centre path, and what the offset did to the contour.
   void fate(std::uint32_t i) {
     const CToolPath& p = *paths_[i];
+    const double offset = wireOffset(p);
+    tool_ = p.wireCentrePath();
+    addLength(p);
     if (p.hasFlag(kOpenPath)) return;
     PolylineCurve contour{{p.polyline().vertices.begin() + 1, p.polyline().vertices.end() - 1}, true};
-    const double offset = wireOffset(p);
-    const OffsetFate f = fateUnderOffset(contour, p.nSide() == kInnerHole, offset);
+    const bool hole = p.nSide() == kInnerHole;
+    if (const auto small = smallestTightRadius(contour, hole, offset); small.radius > 0)
+      warn(WireTrouble::kRadiusBelowOffset, i, 0, small.at, small.radius, offset);
+    // As many spans as the contour: nothing of it was cut away.
+    if (!tool_.ownMethod && tool_.pieces == 1) return;
+    const OffsetFate f = fateUnderOffset(contour, hole, offset);
     if (f.vanished) warn(WireTrouble::kVanished, i, 0, f.at, 0, offset);
     if (f.pieces > 1) warn(WireTrouble::kFallsApart, i, 0, f.at, f.pieces, offset);
-    if (f.smallestRadius > 0) warn(WireTrouble::kRadiusBelowOffset, i, 0, f.at, f.smallestRadius, offset);
-    tool_ = p.wireCentrePath();
     if (tool_.ownMethod && !f.vanished) warn(WireTrouble::kOwnMethod, i, 0, p.getPointAt(1), 0, offset);
+  }
+
+  void addLength(const CToolPath& p) {
+    const auto& v = tool_.vertices;
+    for (std::size_t k = 0; k + 1 < v.size(); ++k)
+      if (v[k] != v[k + 1]) cutLength_ += spanLength(v[k], v[k + 1], tool_.bulges[k]);
+    if (!v.empty() && !p.hasFlag(kOpenPath)) cutLength_ += v.back().distanceTo(v.front());
   }
 
   void neighbours(std::uint32_t i) {
@@ -143,6 +191,7 @@ class Survey {
   OffsetPath tool_;
   std::vector<std::uint32_t> found_;
   std::vector<WireWarning> warnings_;
+  double cutLength_ = 0;
 };
 
 }  // namespace
@@ -152,25 +201,16 @@ OffsetFate fateUnderOffset(const PolylineCurve& contour, bool hole, double offse
   if (contour.vertices.empty()) return fate;
   fate.at = contour.vertices.front().point;
   auto walk = contour.vertices;
-  const bool counterClockwise = signedArea(walk) > 0;
-  // Inside lies left of a counter-clockwise walk.
-  const double toTheLeft = hole == counterClockwise ? offset : -offset;
+  const double toTheLeft = leftOffset(contour, hole, offset);
   walk.push_back({walk.front().point, 0});
   if (const auto curves = offsetCurves(walk, toTheLeft)) {
     fate.vanished = curves->empty();
     fate.pieces = std::max<int>(static_cast<int>(curves->size()), 1);
   }
-  for (std::size_t i = 0; i + 1 < walk.size(); ++i) {
-    if (walk[i].bulge == 0 || walk[i].point == walk[i + 1].point || walk[i].bulge * toTheLeft <= 0) continue;
-    const double radius = bulgeToCircle(walk[i].point, walk[i + 1].point, walk[i].bulge).radius;
-    if (radius >= std::abs(offset) || (fate.smallestRadius > 0 && radius >= fate.smallestRadius)) continue;
-    fate.smallestRadius = radius;
-    fate.at = walk[i].point;
-  }
   return fate;
 }
 
-std::vector<WireWarning> surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths) {
+WireSurvey surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths) {
   return Survey(drawing, paths).run();
 }
 

@@ -25,17 +25,17 @@ struct WireWarning {
   double value = 0, limit = 0;  // mm: radius and offset, or distance and offset
 };
 
-// In path order; at most one per pair of paths and kind.
-[[nodiscard]] std::vector<WireWarning> surveyWires(const AcDbDatabase& drawing,
-                                                   const std::vector<AcDbObjectId>& paths);
+struct WireSurvey {
+  std::vector<WireWarning> warnings;  // in path order; at most one per pair of paths and kind
+  double cutLength = 0;               // mm along the wire's centre: leads, contours, returns
+};
+[[nodiscard]] WireSurvey surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths);
 
 // What becomes of one closed contour beside which a wire runs `offset` mm away.
 struct OffsetFate {
   bool vanished = false;
   int pieces = 1;
-  double smallestRadius =
-      0;           // of arcs that the wire runs inside of and that are smaller than the offset; 0 none
-  AcGePoint2d at;  // of that arc, or a point of the contour
+  AcGePoint2d at;  // a point of the contour
 };
 [[nodiscard]] OffsetFate fateUnderOffset(const PolylineCurve& contour, bool hole, double offset);
 

@@ -10,10 +10,11 @@ namespace {
 
 // The host's offset of the contour without its lead-in, when it is one curve of at most as many vertices as
 // the path.
-bool takeHostOffset(const std::vector<BulgeVertex>& path, double toTheLeft, PathCurve& out) {
+bool takeHostOffset(const std::vector<BulgeVertex>& path, double toTheLeft, OffsetPath& out) {
   const auto curves = offsetCurves(std::span(path).subspan(1), toTheLeft);
   if (!curves || curves->empty() || curves->front().vertices.size() > path.size()) return false;
   const PolylineCurve& first = curves->front();
+  out.pieces = static_cast<int>(curves->size());
   for (const auto& v : first.vertices) {
     out.vertices.push_back(v.point);
     out.bulges.push_back(v.bulge);

@@ -17,6 +17,8 @@ std::unique_ptr<AcDbObject> makeToolPath() {
 void transformContour(PathContour& c, const AcGeMatrix3d& m) {
   if (c.bCircle) {
     c.ptCenter = m.apply(c.ptCenter);
+    constexpr double kScaled = 1e-9;  // of the factor; a move or turn leaves the radius as it is
+    if (const auto scale = m.uniformScale(); scale && std::abs(*scale - 1) > kScaled) c.dRadius *= *scale;
     return;
   }
   PolylineCurve polyline;
@@ -60,6 +62,7 @@ const AcRxClass& CToolPath::desc() {
 }
 
 void CToolPath::addVertexAt(int index, AcGePoint2d p, double bulge) {
+  index = std::clamp(index, 0, numVerts());
   AcDbPolyline::addVertexAt(index, p, bulge, -1, -1);
   const auto at = std::min(static_cast<std::size_t>(index), aSegTaper_.size());
   aSegTaper_.insert(aSegTaper_.begin() + static_cast<std::ptrdiff_t>(at), 0.0);
@@ -75,14 +78,23 @@ void CToolPath::setPathNo(int number) {
 void CToolPath::setProcessStyle(const ProcessStyle& style) {
   assertWriteEnabled();
   bHasStyle_ = true;
-  style_ = style;
+  nCode_ = style.nCode;
+  ProcessStyle held = style;
+  held.nCode = style_->nCode;
+  style_.set(held);
   nColor_ = style.nCode / 100;
+}
+
+ProcessStyle CToolPath::getProcessStyle() const {
+  ProcessStyle style = *style_;
+  style.nCode = nCode_;
+  return style;
 }
 
 void CToolPath::setColor(int color) {
   assertWriteEnabled();
   nColor_ = color;
-  style_.nCode = style_.nCode % 100 + color * 100;
+  nCode_ = nCode_ % 100 + color * 100;
 }
 
 void CToolPath::setFlag(int mask, bool on) {
@@ -221,17 +233,19 @@ bool CToolPath::reverse() {
   const std::size_t n = old.size();
   for (std::size_t j = 1; j < n; ++j) {
     c.vertices[j].point = old[n - j].point;
-    c.vertices[j].bulge = -old[n - 1 - j].bulge;
+    c.vertices[j].bulge = 0 - old[n - 1 - j].bulge;  // no negative zero
     if (n - 1 - j < oldTaper.size() && j < aSegTaper_.size()) aSegTaper_[j] = oldTaper[n - 1 - j];
   }
   setPolyline(std::move(c));
-  for (int& vertex : aCodeVertex_) vertex = static_cast<int>(n) - vertex;
+  // The threading point keeps its code, and what stands at no vertex stays there.
+  for (int& vertex : aCodeVertex_)
+    if (vertex > 0 && vertex < static_cast<int>(n)) vertex = static_cast<int>(n) - vertex;
   nDirection_ = -nDirection_;
   return true;
 }
 
 bool CToolPath::flipSide() {
-  if (!contour_.bClosed && !contour_.bCircle) return false;
+  if ((!contour_.bClosed && !contour_.bCircle) || numVerts() < 2) return false;
   assertWriteEnabled();
   const AcGePoint2d t = getPointAt(0), q = getPointAt(1);
   setPointAt(0, acutPolar(q, acutAngle(q, t) + kPi, q.distanceTo(t)));

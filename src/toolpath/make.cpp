@@ -21,7 +21,9 @@ Split splitSpan(AcGePoint2d start, AcGePoint2d end, double bulge, AcGePoint2d q)
 }
 
 // A wire that starts on the drawn contour would already have cut into the part by its own radius.
-bool hasLeadIn(const CToolPath::Making& m) { return m.thread.distanceTo(m.entry) > kSamePoint; }
+bool hasLeadIn(const CToolPath::Making& m) {
+  return m.thread.distanceTo(m.entry) > kSamePoint;
+}
 
 }  // namespace
 
@@ -37,6 +39,7 @@ bool CToolPath::initCircle(const Making& m, AcGePoint2d centre, double radius, i
   contour_.bCircle = true;
   contour_.dRadius = radius;
   contour_.ptCenter = centre;
+  arcs = std::max(arcs, 2);  // a bulge can't hold a whole turn
   const double step = 2 * kPi / arcs;
   const double bulge = m.nDirection * std::tan(step / 4);
   const double a0 = acutAngle(centre, m.entry);

@@ -39,7 +39,7 @@ void addKept(OutputLists& lists, const std::vector<BulgeVertex>& vertices,
 OutputLists CToolPath::prepareOutput(const WireCutSettings& settings, const CornerRelief& relief) const {
   OutputLists lists;
   const auto& path = polyline().vertices;
-  const bool wanted = relief && database() && path.size() >= 3 && style_.nCode % 100 != kKindWithoutRelief &&
+  const bool wanted = relief && database() && path.size() >= 3 && nCode_ % 100 != kKindWithoutRelief &&
                       !hasSegTaper() && !hasFlag(kFourAxis) && !hasFlag(kOpenPath) &&
                       (settings.dIsoFixA != 0.0 || settings.dIsoFixB != 0.0);
   std::optional<RelievedContour> relieved;

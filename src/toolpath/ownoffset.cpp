@@ -74,6 +74,7 @@ class OwnOffset {
     else
       end();
     recomputeBulges();
+    out_.bulges.resize(out_.vertices.size() - 1);
     out_.bulges.push_back(0);
     return std::move(out_);
   }
@@ -94,7 +95,8 @@ class OwnOffset {
     const double a = acutAngle(p, q), normal = a + in_.side * kPi * 0.5;
     start_ = acutPolar(p, normal, in_.distance);
     centres_.push_back(kNoCentre);
-    if (std::abs(a - heading_) < kSameHeading) {
+    const double turn = std::abs(a - heading_);
+    if (std::min(turn, 2 * kPi - turn) < kSameHeading) {
       out_.vertices.push_back(start_);
       joined_ = true;
     }

@@ -99,8 +99,8 @@ void PathDrawing::realContour() {
 }
 
 void PathDrawing::styleSide() {
-  if (!path_.bHasStyle_ || path_.style_.dValueC == 0) return;
-  const OffsetPath beside = path_.computeOffset(1, path_.style_.dValueC > 0 ? kSideMark : -kSideMark);
+  if (!path_.bHasStyle_ || path_.style_->dValueC == 0) return;
+  const OffsetPath beside = path_.computeOffset(1, path_.style_->dValueC > 0 ? kSideMark : -kSideMark);
   if (beside.vertices.empty()) return;
   draw_.setLineType(kDashed);
   draw_.setColor(kSideColor);

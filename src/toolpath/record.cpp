@@ -10,9 +10,15 @@ namespace {
 
 using Out = AcDbDwgFiler;
 
+// Counts are stored in 16 bits; a longer list must not look like a shorter one.
+void writeCount(Out& f, std::size_t count) {
+  if (count > 32767) f.setFilerStatus(ErrorStatus::eInvalidInput);
+  f.writeInt16(static_cast<std::int16_t>(count));
+}
+
 template <class T, class Write>
 void writeList(Out& f, const std::vector<T>& list, Write write) {
-  f.writeInt16(static_cast<std::int16_t>(list.size()));
+  writeCount(f, list.size());
   for (const T& item : list) write(item);
 }
 
@@ -30,7 +36,7 @@ void readList(AcDbDwgFiler& f, std::vector<T>& list, std::size_t itemBytes, Read
 }
 
 void writeCurve(Out& f, const PathCurve& c) {
-  f.writeInt16(static_cast<std::int16_t>(c.bulges.size()));
+  writeCount(f, c.bulges.size());
   for (std::size_t i = 0; i < c.bulges.size(); ++i) {
     f.writeDouble(c.bulges[i]);
     f.writePoint2d(c.vertices[i]);
@@ -77,9 +83,11 @@ class PathRecord {
     else
       readContours();
     if (version_ >= 204) readStyle();
-    p_.bHasStyle_ = f_.readBoolean();
-    p_.ptBreak_ = f_.readPoint2d();
-    p_.ptBreakExit_ = f_.readPoint2d();
+    if (version_ >= 202) {
+      p_.bHasStyle_ = f_.readBoolean();
+      p_.ptBreak_ = f_.readPoint2d();
+      p_.ptBreakExit_ = f_.readPoint2d();
+    }
     if (version_ >= 206) readOvercutAndSync();
     if (version_ >= 207) readBreak();
     if (version_ == 209) readCodesByPoint();
@@ -101,6 +109,7 @@ class PathRecord {
     (void)f_.readDouble();
     (void)f_.readDouble();
     PolylineCurve c;
+    p_.aSegTaper_.clear();
     readList(f_, c.vertices, 32, [&] {
       BulgeVertex v;
       v.bulge = f_.readDouble();
@@ -152,7 +161,7 @@ class PathRecord {
   }
 
   void readStyle() {
-    ProcessStyle& s = p_.style_;
+    ProcessStyle s;
     s.sName = f_.readString();
     s.dValueA = f_.readDouble();
     s.dValueB = f_.readDouble();
@@ -174,6 +183,9 @@ class PathRecord {
       pass.sSub1 = f_.readString();
     }
     s.nPassLast = std::min(s.nPassLast, kMostPasses - 1);
+    p_.nCode_ = s.nCode;
+    s.nCode = p_.style_->nCode;
+    p_.style_.set(s);
   }
 
   void readOvercutAndSync() {
@@ -196,6 +208,8 @@ class PathRecord {
   }
 
   void readCodesByPoint() {
+    p_.aCodeVertex_.clear();
+    p_.aCodeText_.clear();
     const int count = f_.readInt16();
     for (int i = 0; i < count && f_.filerStatus() == ErrorStatus::eOk; ++i) {
       const AcGePoint2d at = f_.readPoint3d().flat();
@@ -285,7 +299,7 @@ ErrorStatus CToolPath::dwgOutFields(AcDbDwgFiler& f) const {
     if (!upperContour_.bCircle) writeList(f, upperContour_.aContour, point3d);
   }
   f.writeInt16(static_cast<std::int16_t>(nColor_));
-  writeStyle(f, style_);
+  writeStyle(f, getProcessStyle());
   f.writeBoolean(bHasStyle_);
   f.writePoint2d(ptBreak_);
   f.writePoint2d(ptBreakExit_);
@@ -300,7 +314,7 @@ ErrorStatus CToolPath::dwgOutFields(AcDbDwgFiler& f) const {
   for (double b : {dBreakBulgeA_, dBreakBulgeB_, dBreakUpperBulgeA_, dBreakUpperBulgeB_}) f.writeDouble(b);
   f.writePoint2d(ptBreakUpper_);
   f.writePoint2d(ptBreakUpperExit_);
-  f.writeInt16(static_cast<std::int16_t>(aCodeVertex_.size()));
+  writeCount(f, aCodeVertex_.size());
   for (std::size_t i = 0; i < aCodeVertex_.size(); ++i) {
     f.writeInt16(static_cast<std::int16_t>(aCodeVertex_[i]));
     f.writeString(aCodeText_[i]);

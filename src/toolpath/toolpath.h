@@ -63,6 +63,7 @@ struct PathCurve {
 
 struct OffsetPath : PathCurve {
   bool ownMethod = false;  // the host's offset wasn't taken (catalogue message 134 with the path's number)
+  int pieces = 1;          // curves that the host's offset gave; only the first is the path
 };
 
 // Lists that the ISO writers work from.
@@ -134,9 +135,9 @@ class CToolPath : public CToolPathBase {
 
   void setPathNo(int number);
   void setProcessStyle(const ProcessStyle& style);
-  [[nodiscard]] const ProcessStyle& getProcessStyle() const { return style_; }
-  [[nodiscard]] int passCount() const { return style_.nPassLast; }
-  [[nodiscard]] bool hasFirstPass() const { return style_.passes[0].sCode != "00"; }
+  [[nodiscard]] ProcessStyle getProcessStyle() const;
+  [[nodiscard]] int passCount() const { return style_->nPassLast; }
+  [[nodiscard]] bool hasFirstPass() const { return style_->passes[0].sCode != "00"; }
   void setColor(int color);
   void setFlag(int mask, bool on);
   void setOffset(double mm);
@@ -173,7 +174,8 @@ class CToolPath : public CToolPathBase {
     double dOffset = 0, dClearance = 0;  // mm
   };
   // False where T and Q are one point: a path has a lead-in.
-  // A circle as `arcs` arcs from the entry's direction on; false for fewer than one arc or no radius.
+  // A circle as `arcs` arcs (at least two) from the entry's direction on; false for fewer than one arc or no
+  // radius.
   [[nodiscard]] bool initCircle(const Making& making, AcGePoint2d centre, double radius, int arcs);
   // A contour entered on its span `spanIndex`, which is split at Q.
   [[nodiscard]] bool initContour(const Making& making, const PolylineCurve& contour, int spanIndex);
@@ -209,7 +211,8 @@ class CToolPath : public CToolPathBase {
   double dHeight_ = 0;
   int nColor_ = kColorByLayer;
   bool bHasStyle_ = false;
-  ProcessStyle style_;
+  SharedStyle style_;  // its nCode doesn't count: it follows the colour, which differs from path to path
+  int nCode_ = 700;
   AcGePoint2d ptBreak_ = kNoBreak, ptBreakExit_;
   int nBreakSeg_ = -1;
   double dBreakBulgeA_ = 0, dBreakBulgeB_ = 0;

@@ -39,10 +39,11 @@ class Job3b {
   }
 
   Job3bResult run() {
-    if (open() && chooseSettings() && prepare() && makePaths()) {
-      writeProgram();
-      survey();
-      saveAndPlot();
+    if (timed("read", &Job3b::open) && timed("settings", &Job3b::chooseSettings) &&
+        timed("contours", &Job3b::prepare) && timed("paths", &Job3b::makePaths) &&
+        timed("program", &Job3b::writeProgram)) {
+      timed("survey", &Job3b::survey);
+      timed("save", &Job3b::saveAndPlot);
     }
     result_.script = session_.script;
     result_.transcript = static_cast<StringSink&>(session_.editor.sink()).text;
@@ -50,6 +51,13 @@ class Job3b {
   }
 
  private:
+  bool timed(const char* step, bool (Job3b::*what)()) {
+    const double start = steadySeconds();
+    const bool done = (this->*what)();
+    result_.seconds.emplace_back(step, steadySeconds() - start);
+    return done;
+  }
+
   bool fail(int exitCode, std::string why) {
     result_.exitCode = exitCode;
     result_.failure = std::move(why);
@@ -123,7 +131,9 @@ class Job3b {
         continue;
       }
       const bool hole = c.depth % 2 == 1;
-      const OffsetFate fate = fateUnderOffset(c.shape, hole, session_.module().settings.dOffset);
+      // A wire outside a contour always goes round it.
+      const OffsetFate fate =
+          hole ? fateUnderOffset(c.shape, hole, session_.module().settings.dOffset) : OffsetFate{};
       if (fate.vanished) {
         ++result_.vanishing;
         result_.warnings.push_back(
@@ -152,10 +162,9 @@ class Job3b {
   // ---- program
   // ----------------------------------------------------------------------------------------------------
 
-  void writeProgram() {
+  bool writeProgram() {
     if (const auto failure = makeFolders(absolutePath(options_.outDir.empty() ? "." : options_.outDir))) {
-      fail(kFailed, failure->text());
-      return;
+      return fail(kFailed, failure->text());
     }
     const std::string path = absolutePath(result_.program);
     session_.run({"SET bAskFileName 1", "BB", "", path});
@@ -163,11 +172,11 @@ class Job3b {
     const auto& program = session_.module().state<LastProgram3b>();
     waitForStarted(session_.module());
     if (program.path.empty()) {
-      fail(kFailed, path + ": the program was not written: " + lastWords());
-      return;
+      return fail(kFailed, path + ": the program was not written: " + lastWords());
     }
     result_.blocks = program.blocks;
     result_.program = program.path;
+    return true;
   }
 
   // A user who runs the script keeps his own settings.
@@ -176,24 +185,14 @@ class Job3b {
       session_.run({std::string("SET ") + name + " " + *standing_.textOf(name)});
   }
 
-  void survey() {
+  bool survey() {
     AcDbDatabase& drawing = session_.drawing();
     const auto& list = session_.module().state<PathState>().PathList;
-    for (AcDbObjectId id : list)
-      if (const auto* path = drawing.peek<CToolPath>(id)) result_.cutLength += wireLength(*path);
-    for (const auto& warning : surveyWires(drawing, list)) result_.warnings.push_back(sentenceOf(warning));
+    const WireSurvey wires = surveyWires(drawing, list);
+    result_.cutLength = wires.cutLength;
+    for (const auto& warning : wires.warnings) result_.warnings.push_back(sentenceOf(warning));
     tellLoose();
-  }
-
-  static double wireLength(const CToolPath& path) {
-    const OffsetPath tool = path.wireCentrePath();
-    double sum = 0;
-    for (std::size_t i = 0; i + 1 < tool.vertices.size(); ++i)
-      if (tool.vertices[i] != tool.vertices[i + 1])
-        sum += length(spanCurve(tool.vertices[i], tool.vertices[i + 1], tool.bulges[i]));
-    if (!tool.vertices.empty() && !path.hasFlag(kOpenPath))
-      sum += tool.vertices.back().distanceTo(tool.vertices.front());
-    return sum;
+    return true;
   }
 
   void tellLoose() {
@@ -207,15 +206,16 @@ class Job3b {
                                            chain.from.x, chain.from.y, chain.to.x, chain.to.y, chain.length));
   }
 
-  void saveAndPlot() {
+  bool saveAndPlot() {
     steps_.restoreLayers();
     if (!options_.save.empty()) {
       const std::string path = absolutePath(options_.save);
       session_.script.push_back("saveas " + path);
-      if (const auto failure = saveDrawing(session_.drawing(), path)) fail(kFailed, *failure);
+      if (const auto failure = saveDrawing(session_.drawing(), path)) return fail(kFailed, *failure);
     }
-    if (options_.plot.empty()) return;
-    if (const auto failure = plotPaths(session_, absolutePath(options_.plot))) fail(kFailed, failure->text());
+    if (options_.plot.empty()) return true;
+    const auto failure = plotPaths(session_, absolutePath(options_.plot));
+    return !failure || fail(kFailed, failure->text());
   }
 
   const Job3bOptions& options_;

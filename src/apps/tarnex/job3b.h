@@ -42,6 +42,7 @@ struct Job3bResult {
   std::vector<std::string> said;      // what was decided on the way
   std::vector<std::string> script;
   std::string transcript;  // what the commands printed
+  std::vector<std::pair<std::string, double>> seconds;  // where the time went, step by step
 };
 
 [[nodiscard]] Job3bResult runJob3b(const std::string& drawing, const Job3bOptions& options);

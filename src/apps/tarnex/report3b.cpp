@@ -57,6 +57,7 @@ std::string jsonOf(const Job3bResult& r) {
     open.push_back(
         {{"from", {c.from.x, c.from.y}}, {"to", {c.to.x, c.to.y}}, {"length", c.length}, {"gap", c.gap}});
   j["openChains"] = open;
+  for (const auto& [step, seconds] : r.seconds) j["seconds"][step] = seconds;
   j["said"] = r.said;
   j["warnings"] = r.warnings;
   return j.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";

@@ -1,6 +1,7 @@
 // Vertex lists of changed polylines: vertices that stand as they stood keep their tags.
 // Knows LWPOLYLINE and POLYLINE; nothing of other entities.
 #include <algorithm>
+#include <cmath>
 
 #include "host/dxf/writer.h"
 
@@ -48,6 +49,46 @@ std::vector<VertexTags> heavyVertices(TagPatch& patch) {
   }
   if (!all.empty() && all.back().end == 0) all.back().end = patch.size();
   return all;
+}
+
+constexpr long long kFrameVertex = 16;
+
+bool isSimplified(const AcDb2dPolyline& before, const AcDb2dPolyline& now) {
+  return before.polyType() != now.polyType() && now.polyType() == Poly2dType::k2dSimplePoly;
+}
+
+// The affine map of the plane that takes some points to others.
+struct PlaneMap {
+  AcGePoint2d from, to;
+  double xx = 1, xy = 0, yx = 0, yy = 1;
+  [[nodiscard]] AcGePoint2d apply(AcGePoint2d p) const {
+    const AcGeVector2d d = p - from;
+    return {to.x + xx * d.x + xy * d.y, to.y + yx * d.x + yy * d.y};
+  }
+};
+
+// By the first point, the one farthest from it, and the one farthest beside both; a similarity when all lie
+// on a line.
+PlaneMap mapOf(const std::vector<BulgeVertex>& old, const std::vector<BulgeVertex>& fresh) {
+  PlaneMap m{old[0].point, fresh[0].point, 1, 0, 0, 1};
+  std::size_t far = 0, wide = 0;
+  for (std::size_t k = 1; k < old.size(); ++k)
+    if ((old[k].point - m.from).length() > (old[far].point - m.from).length()) far = k;
+  const AcGeVector2d a = old[far].point - m.from, b = fresh[far].point - m.to;
+  const auto beside = [&](std::size_t k) { return std::abs(a.crossProduct(old[k].point - m.from)); };
+  for (std::size_t k = 1; k < old.size(); ++k)
+    if (beside(k) > beside(wide)) wide = k;
+  constexpr double kOnALine = 1e-6;  // of the square of the longest distance
+  const bool line = beside(wide) <= kOnALine * a.dotProduct(a);
+  const AcGeVector2d c = line ? a.perpVector() : old[wide].point - m.from;
+  const AcGeVector2d d = line ? b.perpVector() : fresh[wide].point - m.to;
+  const double det = a.crossProduct(c);
+  if (det == 0) return m;
+  m.xx = (b.x * c.y - d.x * a.y) / det;
+  m.xy = (d.x * a.x - b.x * c.x) / det;
+  m.yx = (b.y * c.y - d.y * a.y) / det;
+  m.yy = (d.y * a.x - b.y * c.x) / det;
+  return m;
 }
 
 }  // namespace
@@ -118,45 +159,54 @@ void DxfWriter::patchLight(TagPatch& patch, const AcDbPolyline& before, const Ac
     patch.insertBehind(places.back().end - 1, added);
 }
 
+// The polyline's own tags: height, and the kind when it has been made simple.
+void DxfWriter::patchHeavyHead(TagPatch& patch, const AcDb2dPolyline& before, const AcDb2dPolyline& now,
+                               const FileSpace& space) {
+  if (before.elevation() != now.elevation()) {
+    const std::string tag = style().one(30, space.length((space.mirrored ? -1 : 1) * now.elevation()));
+    if (const auto at = patch.find(30))
+      patch.replace(*at, tag);
+    else
+      patch.insertBehind(patch.find(8).value_or(0), tag);
+  }
+  const auto flagsAt = patch.find(70);
+  if (!isSimplified(before, now) || !flagsAt) return;
+  patch.replace(*flagsAt, style().one(70, patch.at(*flagsAt).integer() & ~static_cast<long long>(kFitFlags)));
+  if (const auto type = patch.find(75)) patch.drop(*type);
+}
+
 void DxfWriter::patchHeavy(TagPatch& patch, const AcDb2dPolyline& before, const AcDb2dPolyline& now,
                            const FileSpace& space) {
-  const double side = space.mirrored ? -1 : 1;
-  const auto flagsAt = patch.find(70);
-  const long long flags = flagsAt ? patch.at(*flagsAt).integer() : 0;
-  if (before.elevation() != now.elevation()) {
-    const auto at = patch.find(30);
-    if (at)
-      patch.replace(*at, style().one(30, space.length(side * now.elevation())));
-    else
-      patch.insertBehind(patch.find(8).value_or(0), style().one(30, space.length(side * now.elevation())));
-  }
-  std::vector<VertexTags> places = heavyVertices(patch);
-  const bool simplified = before.polyType() != now.polyType() && now.polyType() == Poly2dType::k2dSimplePoly;
-  if (simplified && flagsAt) {
-    patch.replace(*flagsAt, style().one(70, flags & ~static_cast<long long>(kFitFlags)));
-    if (const auto type = patch.find(75)) patch.drop(*type);
-  }
-  // Places of the drawn vertices; the frame's go when the polyline is simple now.
-  constexpr long long kFrameVertex = 16;
-  std::vector<VertexTags> drawn;
-  for (const VertexTags& v : places) {
-    long long vertexFlags = 0;
-    std::size_t vertexFlagsAt = 0;
+  patchHeavyHead(patch, before, now, space);
+  const bool simplified = isSimplified(before, now);
+  std::vector<VertexTags> drawn, frame;
+  for (const VertexTags& v : heavyVertices(patch)) {
+    long long flags = 0;
+    std::size_t flagsAt = 0;
     for (std::size_t i = v.begin; i < v.end; ++i)
-      if (patch.tag(i).code == 70) vertexFlags = patch.at(vertexFlagsAt = i).integer();
-    if (!(vertexFlags & kFrameVertex)) {
-      drawn.push_back(v);
-      if (simplified && vertexFlagsAt) patch.drop(vertexFlagsAt);
-    } else if (simplified) {
+      if (patch.tag(i).code == 70) flags = patch.at(flagsAt = i).integer();
+    (flags & kFrameVertex ? frame : drawn).push_back(v);
+    if (simplified && flagsAt) patch.drop(flagsAt);
+    if (simplified && (flags & kFrameVertex))  // the frame goes when the polyline is simple now
       for (std::size_t i = v.begin; i < v.end; ++i) patch.drop(i);
-    }
   }
   const auto& old = before.drawn().vertices;
   const auto& fresh = now.drawn().vertices;
-  if (drawn.size() != old.size() || old.size() != fresh.size()) return;  // no operation changes their number
+  if (drawn.size() != old.size() || old.size() != fresh.size() || old == fresh)
+    return;  // their number never changes
   for (std::size_t k = 0; k < fresh.size(); ++k)
     if (drawn[k].x && drawn[k].y)
       patchVertex(patch, {drawn[k].x, drawn[k].y, drawn[k].bulge, drawn[k].y}, old[k], fresh[k], space);
+  if (simplified) return;
+  const PlaneMap map = mapOf(old, fresh);
+  const double side = space.mirrored ? -1 : 1;
+  for (const VertexTags& v : frame) {
+    if (!v.x || !v.y) continue;
+    const AcGePoint2d p{side * patch.at(v.x).real().value_or(0) * space.factor,
+                        patch.at(v.y).real().value_or(0) * space.factor};
+    const AcGePoint2d q = map.apply(p);
+    patchVertex(patch, {v.x, v.y, 0, v.y}, {p, 0}, {q, 0}, space);
+  }
 }
 
 }  // namespace tarnex

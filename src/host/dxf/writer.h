@@ -114,6 +114,8 @@ class DxfWriter {
                        const FileSpace& space);
   void patchLight(TagPatch& patch, const AcDbPolyline& before, const AcDbPolyline& now,
                   const FileSpace& space);
+  void patchHeavyHead(TagPatch& patch, const AcDb2dPolyline& before, const AcDb2dPolyline& now,
+                      const FileSpace& space);
   void patchHeavy(TagPatch& patch, const AcDb2dPolyline& before, const AcDb2dPolyline& now,
                   const FileSpace& space);
   struct VertexPlace {

@@ -1,5 +1,5 @@
-// Asks of a place whether the offset may run there: distance to the path, the corners' mitres, the side of the path.
-// Knows no pieces of the offset.
+// Asks of a place whether the offset may run there: distance to the path, the corners' mitres, the side of
+// the path. Knows no pieces of the offset.
 #include "host/geometry/offset_cover.h"
 
 namespace tarnex::offsets {
@@ -13,8 +13,8 @@ std::vector<Box> boxesOf(const std::vector<Piece>& pieces) {
   return boxes;
 }
 
-// What one piece adds to the winding number of its walk about q: its chord's crossing of the ray to the right, and a
-// turn where q lies between chord and arc.
+// What one piece adds to the winding number of its walk about q: its chord's crossing of the ray to the
+// right, and a turn where q lies between chord and arc.
 int windingOf(const Piece& p, Vec q) {
   int w = 0;
   const double side = cross(p.end - p.start, q - p.start);
@@ -129,7 +129,8 @@ Contact Cover::pathWithItself() const {
       if (q && sizeOf(*q - b.start) > near) note(a, b, *q);
     } else {
       const Meetings m = meetings(a, b, s_.tolerance);
-      for (int k = 0; k < m.count && contact != Contact::kCrosses; ++k) note(a, b, m.at[static_cast<std::size_t>(k)]);
+      for (int k = 0; k < m.count && contact != Contact::kCrosses; ++k)
+        note(a, b, m.at[static_cast<std::size_t>(k)]);
     }
     return contact != Contact::kCrosses;
   });

@@ -1,5 +1,5 @@
-// What ground a wire of the offset's size can't stand on: nearer to the path than the distance, or on the mitre of a
-// corner. Internal to the offset.
+// What ground a wire of the offset's size can't stand on: nearer to the path than the distance, or on the
+// mitre of a corner. Internal to the offset.
 #pragma once
 
 #include <array>
@@ -33,7 +33,8 @@ class Cover {
   [[nodiscard]] const Source& source() const { return s_; }
 
  private:
-  // From the vertex to where the span before ends, to where both meet, to where the span after starts, and back.
+  // From the vertex to where the span before ends, to where both meet, to where the span after starts, and
+  // back.
   [[nodiscard]] std::array<Piece, 4> mitreAt(std::size_t joint) const;
   [[nodiscard]] bool hasMitre(std::size_t joint) const;
 

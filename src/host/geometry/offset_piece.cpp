@@ -4,7 +4,8 @@
 
 namespace tarnex::offsets {
 
-constexpr double kShortArc = 0.1;  // rad: here the chord's length tells the sweep better than its direction
+constexpr double kShortArc =
+    0.1;  // rad: within it the chord's length tells the sweep better than its direction
 
 Piece makePiece(Vec start, Vec end, double bulge) {
   const Vec chord = end - start;
@@ -21,14 +22,17 @@ Piece makePiece(Vec start, Vec end, double bulge) {
           2 * sinHalf / length};
 }
 
-Piece reversed(const Piece& p) { return {p.end, p.start, -p.t1, -p.t0, -p.bulge, -p.curvature}; }
+Piece reversed(const Piece& p) {
+  return {p.end, p.start, -p.t1, -p.t0, -p.bulge, -p.curvature};
+}
 
 Box boxOf(Vec start, Vec end, double bulge) {
-  Box b{std::min(start.x, end.x), std::min(start.y, end.y), std::max(start.x, end.x), std::max(start.y, end.y)};
+  Box b{std::min(start.x, end.x), std::min(start.y, end.y), std::max(start.x, end.x),
+        std::max(start.y, end.y)};
   if (bulge == 0) return b;
   const Vec chord = end - start;
   const Vec rise = leftOf(chord) * (-bulge / 2);  // from the chord's middle to the arc's
-  if (std::abs(bulge) <= 1) {  // within the chord's parallelogram up to the rise
+  if (std::abs(bulge) <= 1) {                     // within the chord's parallelogram up to the rise
     const Vec p = start + rise, q = end + rise;
     b.add({std::min(p.x, q.x), std::min(p.y, q.y), std::max(p.x, q.x), std::max(p.y, q.y)});
     return b;
@@ -77,13 +81,23 @@ Vec nearestOn(const Piece& p, Vec q) {
   return dot(a, a) <= dot(b, b) ? p.start : p.end;
 }
 
+namespace {
+
+// Half the sweep, in [0, pi], from where an arc of curvature k has tangent t to where the chord r ends.
+double halfSweep(Vec t, double k, Vec r) {
+  const double half =
+      std::atan2((k > 0 ? 1 : -1) * cross(t, r), dot(t, r));  // the chord lies so far off the tangent
+  const double byLength = std::asin(std::min(1.0, sizeOf(r) * std::abs(k) / 2));
+  if (std::abs(half) < kShortArc) return byLength;
+  if (std::abs(half) > kPi - kShortArc) return kPi - byLength;
+  return half < 0 ? half + kPi : half;
+}
+
+}  // namespace
+
 double placeOf(const Piece& p, Vec q) {
-  const Vec r = q - p.start;
-  if (p.curvature == 0) return dot(p.t0, r);
-  const double turn = p.bulge > 0 ? 1 : -1;
-  double half = std::atan2(turn * cross(p.t0, r), dot(p.t0, r));  // the chord's angle is half the sweep
-  if (half < -0.1 * kPi) half += kPi;
-  return 2 * half;
+  if (p.curvature == 0) return dot(p.t0, q - p.start);
+  return 2 * halfSweep(p.t0, p.curvature, q - p.start);
 }
 
 Vec pointAt(const Piece& p, double part) {
@@ -99,12 +113,7 @@ Piece partOf(const Piece& p, Vec from, Vec to) {
     return Vec{n.y, -n.x};
   };
   Piece part{from, to, tangentAt(from), tangentAt(to), 0, p.curvature};
-  const Vec chord = to - from;
-  const double turn = p.bulge > 0 ? 1 : -1;
-  double half = std::atan2(turn * cross(part.t0, chord), dot(part.t0, chord));  // of the sweep
-  if (std::abs(half) < kShortArc) half = std::asin(std::min(1.0, sizeOf(chord * p.curvature) / 2));
-  if (half < 0) half += kPi;
-  part.bulge = turn * std::tan(half / 2);
+  part.bulge = std::copysign(std::tan(halfSweep(part.t0, p.curvature, to - from) / 2), p.bulge);
   return part;
 }
 
@@ -120,11 +129,12 @@ Meetings meetings(const Piece& a, const Piece& b, double tolerance) {
     if (distanceTo(a, end) <= tolerance) found.add(end, tolerance);
   for (const Vec end : {a.start, a.end})
     if (distanceTo(b, end) <= tolerance) found.add(end, tolerance);
-  // Seen from an end of a, so that far-away circles keep their digits.
-  const TwoPlaces places = meet(locusOf({}, leftOf(a.t0), a.curvature),
-                                locusOf(b.start - a.start, leftOf(b.t0), b.curvature));
+  // Seen from an end of the more curved one, so that small circles keep their digits.
+  const Vec origin = std::abs(b.curvature) > std::abs(a.curvature) ? b.start : a.start;
+  const TwoPlaces places = meet(locusOf(a.start - origin, leftOf(a.t0), a.curvature),
+                                locusOf(b.start - origin, leftOf(b.t0), b.curvature));
   for (int i = 0; i < places.count; ++i) {
-    const Vec q = a.start + places.at[static_cast<std::size_t>(i)];
+    const Vec q = origin + places.at[static_cast<std::size_t>(i)];
     if (distanceTo(a, q) <= tolerance && distanceTo(b, q) <= tolerance) found.add(q, tolerance);
   }
   return found;
@@ -134,7 +144,8 @@ std::optional<Vec> meetAgain(const Piece& before, const Piece& after, double tol
   const double k1 = before.curvature, k2 = after.curvature;
   if (k1 == 0 && k2 == 0) return std::nullopt;
   const Vec n1 = leftOf(before.t1), n2 = leftOf(after.t0);
-  const Vec across = leftOf(n1 * k2 - n2 * k1);  // the common chord's direction, with the corner at its one end
+  const Vec across =
+      leftOf(n1 * k2 - n2 * k1);  // the common chord's direction, with the corner at its one end
   const double size2 = dot(across, across);
   if (!(size2 > 0)) return std::nullopt;
   const double along = std::abs(k1) > std::abs(k2) ? 2 * dot(n1, across) / k1 : 2 * dot(n2, across) / k2;
@@ -153,8 +164,8 @@ Locus locusOf(Vec point, Vec leftNormal, double curvature) {
 
 namespace {
 
-// The place on `a` (curved) and on the line w·q = h, w a unit vector, where a's normal has `along` (signed) along
-// the left of w. Both loci of a pencil meet upon this line.
+// The place on `a` (curved) and on the line w·q = h, w a unit vector, where a's normal has `along` (signed)
+// along the left of w. Both loci of a pencil meet upon this line.
 Vec onRadicalLine(const Locus& a, Vec w, double h, double along) {
   const Vec v = leftOf(w);
   const double b = dot(a.u, v);

@@ -1,5 +1,6 @@
-// Lines and arcs as the offset handles them: ends, tangents and curvature, so that a line is an arc of curvature 0
-// and a nearly straight arc loses no digits. Internal to the offset; knows no corners and no sides.
+// Lines and arcs as the offset handles them: ends, tangents and curvature, so that a line is an arc of
+// curvature 0 and a nearly straight arc loses no digits. Internal to the offset; knows no corners and no
+// sides.
 #pragma once
 
 #include <algorithm>
@@ -13,10 +14,18 @@ namespace tarnex::offsets {
 
 using Vec = AcGeVector2d;  // a place, too: seen from the path's own origin
 
-inline double dot(Vec a, Vec b) { return a.x * b.x + a.y * b.y; }
-inline double cross(Vec a, Vec b) { return a.x * b.y - a.y * b.x; }
-inline Vec leftOf(Vec v) { return {-v.y, v.x}; }
-inline double sizeOf(Vec v) { return std::sqrt(dot(v, v)); }
+inline double dot(Vec a, Vec b) {
+  return a.x * b.x + a.y * b.y;
+}
+inline double cross(Vec a, Vec b) {
+  return a.x * b.y - a.y * b.x;
+}
+inline Vec leftOf(Vec v) {
+  return {-v.y, v.x};
+}
+inline double sizeOf(Vec v) {
+  return std::sqrt(dot(v, v));
+}
 
 struct Box {
   double x0 = 0, y0 = 0, x1 = 0, y1 = 0;
@@ -31,9 +40,9 @@ struct Box {
 
 struct Piece {
   Vec start, end;
-  Vec t0, t1;             // unit tangents at start and end
+  Vec t0, t1;  // unit tangents at start and end
   double bulge = 0;
-  double curvature = 0;   // 1/mm, above 0 counter-clockwise
+  double curvature = 0;  // 1/mm, above 0 counter-clockwise
 };
 
 // Start and end must differ.
@@ -41,10 +50,14 @@ Piece makePiece(Vec start, Vec end, double bulge);
 Piece reversed(const Piece& p);
 // Holds the whole piece; loose on arcs.
 Box boxOf(Vec start, Vec end, double bulge);
-inline Box boxOf(const Piece& p) { return boxOf(p.start, p.end, p.bulge); }
+inline Box boxOf(const Piece& p) {
+  return boxOf(p.start, p.end, p.bulge);
+}
 double lengthOf(const Piece& p);
 // The sweep in radians, positive counter-clockwise.
-inline double sweepOf(const Piece& p) { return 4 * std::atan(p.bulge); }
+inline double sweepOf(const Piece& p) {
+  return 4 * std::atan(p.bulge);
+}
 
 // Unit normal, left of travel, of the circle or line of p at (or abeam of) q.
 Vec normalAt(const Piece& p, Vec q);
@@ -56,8 +69,7 @@ bool abeam(const Piece& p, Vec q);
 double distanceTo(const Piece& p, Vec q);
 // Place on the piece nearest to q.
 Vec nearestOn(const Piece& p, Vec q);
-// Where q (on the piece) lies: mm from the start on a line, radians swept on an arc; -a tenth of the circle or less
-// stays below 0.
+// Where q (on the piece) lies: mm from the start on a line, radians swept (0 to 2 pi) on an arc.
 double placeOf(const Piece& p, Vec q);
 // The point at a part (0 to 1) of the piece's length.
 Vec pointAt(const Piece& p, double part);
@@ -82,8 +94,8 @@ struct Locus {
   double c = 0, k = 0;
 };
 Locus locusOf(Vec point, Vec leftNormal, double curvature);
-// Both meeting places of two loci, first the one where b crosses a to the left; of circles that miss each other twice
-// the place where they come nearest.
+// Both meeting places of two loci, first the one where b crosses a to the left; of circles that miss each
+// other twice the place where they come nearest.
 struct TwoPlaces {
   std::array<Vec, 2> at;
   int count = 0;      // 1: two lines (at[0], whichever side); 0: parallel or concentric

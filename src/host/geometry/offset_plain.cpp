@@ -1,7 +1,7 @@
-// The quick road: most contours are offset by far less than their smallest feature, and there the raw offset is the
-// answer. That is proven, not hoped: when every piece of a simple path keeps its direction and the raw offset is
-// simple too, its winding number is that of the path plus the strips swept between both, so it bounds what no strip
-// covers. Knows no trimming.
+// The quick road: most contours are offset by far less than their smallest feature, and there the raw offset
+// is the answer. That is proven, not hoped: when every piece of a simple path keeps its direction and the raw
+// offset is simple too, its winding number is that of the path plus the strips swept between both, so it
+// bounds what no strip covers. Knows no trimming.
 #include "host/geometry/offset_plain.h"
 
 #include "host/geometry/offset_tree.h"
@@ -10,19 +10,22 @@ namespace tarnex::offsets {
 
 namespace {
 
-constexpr std::size_t kFewPieces = 24;   // up to here comparing all with all is quicker than a tree
-constexpr double kOneCorner = 1e-6;      // of the pieces' length: meetings so near to the shared corner are the corner
-constexpr double kFlatTurn = 1e-7;       // rad
-constexpr double kWideBulge = 0.6;       // an arc that may turn back to its neighbour
+constexpr std::size_t kFewPieces = 24;  // up to here comparing all with all is quicker than a tree
+constexpr double kOneCorner =
+    1e-6;  // of the pieces' length: meetings so near to the shared corner are the corner
+constexpr double kFlatTurn = 1e-7;  // rad
+constexpr double kWideBulge = 0.6;  // an arc that may turn back to its neighbour
 
 struct RawRing {
   std::vector<BulgeVertex> vertices;
-  std::vector<std::size_t> spanOf;       // kNone at rounding arcs
-  std::vector<Box> boxes;                // of the strip between a span and its offset
+  std::vector<std::size_t> spanOf;  // kNone at rounding arcs
+  std::vector<Box> boxes;           // of the strip between a span and its offset
 };
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
-Vec placeOfVertex(const BulgeVertex& v) { return {v.point.x, v.point.y}; }
+Vec placeOfVertex(const BulgeVertex& v) {
+  return {v.point.x, v.point.y};
+}
 
 class PlainProof {
  public:
@@ -104,8 +107,8 @@ std::optional<RawRing> rawRing(const Source& s, const std::vector<Joint>& joints
   return ring;
 }
 
-// A closed ring that starts with the offset of the first span's far side of a rounded corner is turned, so that it
-// starts where the corner's rounding starts.
+// A closed ring that starts with the offset of the first span's far side of a rounded corner is turned, so
+// that it starts where the corner's rounding starts.
 bool roundsAtStart(const Source& s, const std::vector<Joint>& joints) {
   return s.closed && joints[0].kind == JointKind::kRound;
 }

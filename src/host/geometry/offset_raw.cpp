@@ -7,12 +7,13 @@ namespace tarnex::offsets {
 namespace {
 
 constexpr double kUnit = std::numeric_limits<double>::epsilon();
-constexpr double kToleranceUnits = 16;   // roundings of a coordinate that one result adds up
-constexpr double kParallel = 1e-6;       // sine below which opposed neighbours never meet (2 million times the distance)
-constexpr double kHuge = 1e60;           // mm, or a bulge: beyond it products overflow
-constexpr double kCusp = 1e-9;           // sine below which a turn back is a cusp
-constexpr double kUpon = 1e-12;          // sine below which two lines lie upon each other
-constexpr double kSmallTurn = 1e-7;      // rad: its square is below rounding, so tan x = x
+constexpr double kToleranceUnits = 16;  // roundings of a coordinate that one result adds up
+constexpr double kParallel =
+    1e-6;  // sine below which opposed neighbours never meet (2 million times the distance)
+constexpr double kHuge = 1e60;       // mm, or a bulge: beyond it products overflow
+constexpr double kCusp = 1e-9;       // sine below which a turn back is a cusp
+constexpr double kUpon = 1e-12;      // sine below which two lines lie upon each other
+constexpr double kSmallTurn = 1e-7;  // rad: its square is below rounding, so tan x = x
 
 struct Moved {
   Vec normal;
@@ -31,8 +32,8 @@ double advance(const Moved& m, Vec q) {
   return std::copysign(1.0, m.curvature) * std::atan2(cross(m.normal, n), dot(m.normal, n));
 }
 
-// Sine of the turn from one span to the next, above 0 to the left. Where the path turns back on itself the span that
-// bends away tells which way round it went.
+// Sine of the turn from one span to the next, above 0 to the left. Where the path turns back on itself the
+// span that bends away tells which way round it went.
 double turnAt(const Piece& before, const Piece& after) {
   const double sine = cross(before.t1, after.t0), bend = before.curvature + after.curvature;
   if (dot(before.t1, after.t0) > 0 || std::abs(sine) > kCusp) return sine;
@@ -84,12 +85,14 @@ bool vanishes(const Piece& span, double distance, double tolerance) {
 Joint jointBetween(const Piece& before, const Piece& after, double distance, double tolerance) {
   const Vec v = after.start;
   const double sine = turnAt(before, after), cosine = dot(before.t1, after.t0);
-  const bool back = cosine < 0 && sine == 0;  // upon itself: which side is the outer one only the whole path can tell
+  const bool back =
+      cosine < 0 && sine == 0;  // upon itself: which side is the outer one only the whole path can tell
   const bool convex = back || sine * distance < 0;
   const Vec end = v + leftOf(before.t1) * distance, start = v + leftOf(after.t0) * distance;
   const Joint unsolved{convex ? JointKind::kRound : JointKind::kApart, convex, end, start, 0, 0};
   if (vanishes(before, distance, tolerance) || vanishes(after, distance, tolerance)) return unsolved;
-  const Moved a = moved(before.t1, before.curvature, distance), b = moved(after.t0, after.curvature, distance);
+  const Moved a = moved(before.t1, before.curvature, distance),
+              b = moved(after.t0, after.curvature, distance);
   const double steepest = std::max(std::abs(a.curvature), std::abs(b.curvature));
   // Along the tangents, up to where they meet: the distance by the tangent of half the turn.
   const double shift = distance * (cosine > 0 ? sine / (1 + cosine) : (1 - cosine) / sine);
@@ -101,8 +104,8 @@ Joint jointBetween(const Piece& before, const Piece& after, double distance, dou
                shift * (after.curvature == 0 ? 1 : std::abs(b.curvature)), convex);
   }
   if (steepest > 0) {
-    // Seen from where the more curved one lies abeam of the vertex: a circle far smaller than the distance keeps its
-    // digits there.
+    // Seen from where the more curved one lies abeam of the vertex: a circle far smaller than the distance
+    // keeps its digits there.
     const bool fromA = std::abs(a.curvature) >= std::abs(b.curvature);
     const Vec apart = (b.normal - a.normal) * distance;
     const TwoPlaces places = meet(locusOf(fromA ? Vec{} : -apart, a.normal, a.curvature),

@@ -1,5 +1,5 @@
-// The raw offset: every span moved sideways, every corner solved by itself. Whether the whole is what a wire can
-// walk is asked elsewhere. Internal to the offset.
+// The raw offset: every span moved sideways, every corner solved by itself. Whether the whole is what a wire
+// can walk is asked elsewhere. Internal to the offset.
 #pragma once
 
 #include <optional>
@@ -25,13 +25,14 @@ std::optional<Source> readSource(std::span<const BulgeVertex> path, double dista
 enum class JointKind {
   kMeet,   // the neighbours are trimmed or extended to `end`, which is `start` as well
   kRound,  // the offset goes round the corner and they never meet, or one vanishes: an arc about the vertex
-  kApart,  // an inner corner that can't be solved by its neighbours alone: they run on to where they lie abeam of it
+  kApart,  // an inner corner that can't be solved by its neighbours alone: they run on to where they lie
+           // abeam of it
   kEnd     // of an open path
 };
 
-// What becomes of the vertex between two spans. The first one's offset ends at `end`, the second one's begins at
-// `start`; `gained` and `given` are how far that lies beyond the place abeam of the vertex, forward of travel:
-// mm on a line, radians on an arc.
+// What becomes of the vertex between two spans. The first one's offset ends at `end`, the second one's begins
+// at `start`; `gained` and `given` are how far that lies beyond the place abeam of the vertex, forward of
+// travel: mm on a line, radians on an arc.
 struct Joint {
   JointKind kind = JointKind::kApart;
   bool convex = false;  // the offset goes round the outside of the corner
@@ -45,8 +46,8 @@ Joint jointBetween(const Piece& before, const Piece& after, double distance, dou
 Joint firstJoint(const Piece& span, double distance);
 Joint lastJoint(const Piece& span, double distance);
 
-// The offset of a span between its two joints; nothing when it has no length left that is worth its own rounding
-// (or an arc would wind once round itself).
+// The offset of a span between its two joints; nothing when it has no length left that is worth its own
+// rounding (or an arc would wind once round itself).
 std::optional<BulgeVertex> rawPiece(const Piece& span, const Joint& from, const Joint& to, double distance,
                                     double tolerance);
 // Bulge of the rounding arc at a joint of kind kRound about vertex v.

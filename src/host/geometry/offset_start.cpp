@@ -8,7 +8,9 @@ namespace tarnex::offsets {
 
 namespace {
 
-Vec vec(const BulgeVertex& v) { return {v.point.x, v.point.y}; }
+Vec vec(const BulgeVertex& v) {
+  return {v.point.x, v.point.y};
+}
 
 Piece pieceAt(const PolylineCurve& c, std::size_t i) {
   const BulgeVertex& v = c.vertices[i];
@@ -33,8 +35,10 @@ Nearest nearest(const PolylineCurve& c, Vec p, double snap) {
   }
   const Piece piece = pieceAt(c, best.span);
   best.at = nearestOn(piece, p);
-  if (sizeOf(piece.start - p) <= best.distance + snap) best.at = piece.start;
-  else if (sizeOf(piece.end - p) <= best.distance + snap) best.at = piece.end;
+  if (sizeOf(piece.start - p) <= best.distance + snap)
+    best.at = piece.start;
+  else if (sizeOf(piece.end - p) <= best.distance + snap)
+    best.at = piece.end;
   return best;
 }
 

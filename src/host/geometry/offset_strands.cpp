@@ -14,7 +14,9 @@ namespace {
 constexpr Vec kSkew{0.8310, 0.5563};
 constexpr double kBack = -0.999;  // cosine of a corner that all but turns back
 
-Vec vec(const BulgeVertex& v) { return {v.point.x, v.point.y}; }
+Vec vec(const BulgeVertex& v) {
+  return {v.point.x, v.point.y};
+}
 
 // A joint at an inner corner goes back to where both neighbours lie abeam of the vertex.
 void open(const Source& s, std::vector<Joint>& joints, std::size_t at, double distance) {
@@ -26,7 +28,9 @@ void open(const Source& s, std::vector<Joint>& joints, std::size_t at, double di
   j = {JointKind::kApart, false, v + leftOf(before.t1) * distance, v + leftOf(after.t0) * distance, 0, 0};
 }
 
-std::size_t jointAfter(const Source& s, std::size_t span) { return s.closed ? s.next(span) : span + 1; }
+std::size_t jointAfter(const Source& s, std::size_t span) {
+  return s.closed ? s.next(span) : span + 1;
+}
 
 void openShortOnes(const Source& s, std::vector<Joint>& joints, double distance) {
   for (std::size_t i = 0; i < s.spans.size(); ++i) {
@@ -43,7 +47,8 @@ void addCutters(const Source& s, double distance, std::vector<Strand>& strands) 
   for (const Piece& p : s.spans) {
     if (vanishes(p, -distance, s.tolerance)) continue;
     const Vec from = p.start - leftOf(p.t0) * distance, to = p.end - leftOf(p.t1) * distance;
-    if (sizeOf(to - from) > s.tolerance) strands.push_back({makePiece(from, to, p.bulge), kNoSpan, false, true});
+    if (sizeOf(to - from) > s.tolerance)
+      strands.push_back({makePiece(from, to, p.bulge), kNoSpan, false, true});
   }
   const auto addCircle = [&](Vec v) {
     const Vec east{std::abs(distance), 0};
@@ -113,9 +118,12 @@ class Cutting {
   void cut(std::size_t i, Vec q) {
     const Piece& p = strands_[i].piece;
     if (strands_[i].cutter) return;
-    if (sizeOf(q - p.start) <= snap_) cutAtStart_[i] = true;
-    else if (sizeOf(q - p.end) <= snap_) cutAtEnd_[i] = true;
-    else cuts_.push_back({i, placeOf(p, q), q});
+    if (sizeOf(q - p.start) <= snap_)
+      cutAtStart_[i] = true;
+    else if (sizeOf(q - p.end) <= snap_)
+      cutAtEnd_[i] = true;
+    else
+      cuts_.push_back({i, placeOf(p, q), q});
   }
 
   // Edges in the order of travel, and a chain wherever the walk isn't interrupted.
@@ -143,8 +151,10 @@ class Cutting {
   }
 
   static void append(Arrangement& a, const Edge& e, bool joined) {
-    if (joined && !a.chains.empty()) ++a.chains.back().count;
-    else a.chains.push_back({a.edges.size(), 1, 0, 0});
+    if (joined && !a.chains.empty())
+      ++a.chains.back().count;
+    else
+      a.chains.push_back({a.edges.size(), 1, 0, 0});
     a.edges.push_back(e);
   }
 
@@ -220,7 +230,8 @@ std::optional<std::vector<Strand>> rawStrands(const Source& s, std::vector<Joint
       strands.back().linked = strands.back().linked && linked;
     }
     if (rounds)
-      strands.push_back({makePiece(to.end, to.start, roundBulge(to, s.spans[i].end, distance)), kNoSpan, nextStays});
+      strands.push_back(
+          {makePiece(to.end, to.start, roundBulge(to, s.spans[i].end, distance)), kNoSpan, nextStays});
   }
   if (!s.closed) addCutters(s, distance, strands);
   return strands;

@@ -1,5 +1,5 @@
-// The raw offset as strands, cut wherever two of them meet, and gathered into chains that meet nothing between their
-// ends. Internal to the offset.
+// The raw offset as strands, cut wherever two of them meet, and gathered into chains that meet nothing
+// between their ends. Internal to the offset.
 #pragma once
 
 #include <optional>

@@ -1,5 +1,5 @@
-// A tree of boxes over the pieces of a curve in their own order: neighbours on the curve are neighbours in space, so
-// no sorting is needed and pieces of any size may stand beside each other. Internal to the offset.
+// A tree of boxes over the pieces of a curve in their own order: neighbours on the curve are neighbours in
+// space, so no sorting is needed and pieces of any size may stand beside each other. Internal to the offset.
 #pragma once
 
 #include <cstddef>

@@ -12,10 +12,10 @@ namespace tarnex::offsets {
 
 namespace {
 
-constexpr double kSnaps[] = {8, 64, 512};   // tolerances within which places are one
-constexpr double kRoundings = 16;           // of one coordinate that a result adds up
-constexpr double kSlack = 12;               // tolerances by which a result may be too near to its path
-constexpr double kProbe = 2;                // snaps: what is narrower than this is no ground to walk on
+constexpr double kSnaps[] = {8, 64, 512};  // tolerances within which places are one
+constexpr double kRoundings = 16;          // of one coordinate that a result adds up
+constexpr double kSlack = 12;              // tolerances by which a result may be too near to its path
+constexpr double kProbe = 2;               // snaps: what is narrower than this is no ground to walk on
 
 struct Measures {
   double distance = 0, tolerance = 0, snap = 0;  // mm
@@ -25,8 +25,13 @@ struct Measures {
 class Trimming {
  public:
   Trimming(const Cover& cover, const Arrangement& a, const Measures& m)
-      : cover_(cover), a_(a), distance_(m.distance), tolerance_(m.tolerance), snap_(m.snap),
-        alwaysAskSide_(m.touches), closed_(cover.source().closed) {}
+      : cover_(cover),
+        a_(a),
+        distance_(m.distance),
+        tolerance_(m.tolerance),
+        snap_(m.snap),
+        alwaysAskSide_(m.touches),
+        closed_(cover.source().closed) {}
 
   std::optional<std::vector<PolylineCurve>> run() {
     if (!keepFree()) return std::nullopt;
@@ -110,15 +115,16 @@ class Trimming {
 
   // Of the chains that leave `node`, not yet used, the one that turns most to the free side.
   [[nodiscard]] std::size_t onwards(std::size_t node, Vec arriving) const {
-    const auto first = std::lower_bound(kept_.begin(), kept_.end(), node, [this](std::size_t i, std::size_t n) {
-      return a_.chains[i].from < n;
-    });
+    const auto first =
+        std::lower_bound(kept_.begin(), kept_.end(), node,
+                         [this](std::size_t i, std::size_t n) { return a_.chains[i].from < n; });
     std::size_t best = kNoSpan;
     double most = 0;
     for (auto it = first; it != kept_.end() && a_.chains[*it].from == node; ++it) {
       if (used_[*it]) continue;
       const Vec leaving = a_.edges[a_.chains[*it].first].piece.t0;
-      const double turn = std::atan2(cross(arriving, leaving), dot(arriving, leaving)) * (distance_ > 0 ? 1 : -1);
+      const double turn =
+          std::atan2(cross(arriving, leaving), dot(arriving, leaving)) * (distance_ > 0 ? 1 : -1);
       if (best == kNoSpan || turn > most) best = *it, most = turn;
     }
     return best;
@@ -241,8 +247,9 @@ double reach(const Source& s, const std::vector<Joint>& joints, double distance)
   return most;
 }
 
-// Places nearer than one of these are taken as one, mm. First what the drawing's own coordinates round to, so that
-// what closes exactly does so; then what the arithmetic rounds to, for detail finer than that; then coarser ones.
+// Places nearer than one of these are taken as one, mm. First what the drawing's own coordinates round to, so
+// that what closes exactly does so; then what the arithmetic rounds to, for detail finer than that; then
+// coarser ones.
 std::vector<double> snapsToTry(double tolerance, double fine) {
   std::vector<double> snaps{kSnaps[0] * tolerance};
   if (fine < tolerance / 4) snaps.push_back(kSnaps[0] * fine);

@@ -1,5 +1,5 @@
-// The offset where something collapses: the raw offset is cut where it meets itself, and what can be walked is joined
-// again. Internal to the offset.
+// The offset where something collapses: the raw offset is cut where it meets itself, and what can be walked
+// is joined again. Internal to the offset.
 #pragma once
 
 #include <optional>

@@ -95,7 +95,7 @@ void use(AcDbDatabase& db) {
 
 TEST(DxfFuzz, BrokenFilesNeverBreakTheProgram) {
   const char* longRun = std::getenv("TARNEX_LONG");
-  const unsigned rounds = longRun && *longRun == '1' ? 200000 : 1500;
+  const unsigned rounds = longRun && *longRun == '1' ? 200000 : 4000;
   const std::vector<std::string> files = seeds();
   unsigned readable = 0;
   for (unsigned i = 0; i < rounds; ++i) {

@@ -166,6 +166,24 @@ TEST(DxfWrite, CurveFitMadeSimpleAndRaised) {
   EXPECT_EQ(simple.drawn().vertices, (std::vector<BulgeVertex>{{{1, 0}, 0.5}, {{2, 0}, 0.5}}));
 }
 
+// The frame of a spline fit turns with the drawn vertices: (x,y) to (-y,x), then 10 to the right.
+TEST(DxfWrite, FramesFollowTheirCurve) {
+  const auto vertex = [](const char* x, const char* y, const char* flags) {
+    return "0 VERTEX|8 0|10 " + std::string(x) + "|20 " + y + "|70 " + flags + "|";
+  };
+  const auto r = read(drawing("AC1009", "0 POLYLINE|8 0|66 1|70 4|75 6|" + vertex("9.0", "2.0", "16") +
+                                            vertex("1.0", "0.0", "8") + vertex("2.0", "1.0", "8") +
+                                            vertex("4.0", "0.0", "8") + "0 SEQEND|8 0"));
+  const AcGeMatrix3d turn = AcGeMatrix3d::rotation(kPi / 2, {0, 0});
+  ASSERT_EQ(change<AcDb2dPolyline>(r->db, 0)->transformBy(AcGeMatrix3d::translation({10, 0, 0}) * turn),
+            ErrorStatus::eOk);
+  const Tags tags = parsed(dxfText(r->db));
+  const auto frame = std::find(tags.begin(), tags.end(), std::pair<int, std::string>(0, "VERTEX"));
+  ASSERT_NE(frame, tags.end());
+  EXPECT_NEAR(std::stod((frame + 2)->second), 8, 1e-12);
+  EXPECT_NEAR(std::stod((frame + 3)->second), 9, 1e-12);
+}
+
 TEST(DxfWrite, LayersChangedAndAdded) {
   const std::string bytes = completeDrawing();
   const auto r = read(bytes);

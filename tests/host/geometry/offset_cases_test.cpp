@@ -1,5 +1,5 @@
-// Offsets whose answers are worked out by hand: corners of every kind, what vanishes and what falls apart, open paths,
-// hostile input. Knows the contract of the offset only.
+// Offsets whose answers are worked out by hand: corners of every kind, what vanishes and what falls apart,
+// open paths, hostile input. Knows the contract of the offset only.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ namespace {
 using reckoning::Outline;
 using ::testing::ElementsAre;
 
-constexpr double kFine = 1e-11;  // mm, on parts of some 10 mm
+constexpr double kFine = 1e-11;              // mm, on parts of some 10 mm
 const double kQuarter = std::sqrt(2.0) - 1;  // bulge of 90 degrees: tan(90°/4)
 
 MATCHER_P3(Vertex, x, y, bulge, "") {
@@ -35,7 +35,8 @@ TEST(OffsetCases, SquareInwardsAndOutwardsKeepsItsCorners) {
   const auto in = offset(kSquare, 1);  // counter-clockwise: left is inside
   ASSERT_EQ(in.size(), 1u);
   EXPECT_TRUE(in[0].closed);
-  EXPECT_THAT(in[0].vertices, ElementsAre(Vertex(1, 1, 0), Vertex(9, 1, 0), Vertex(9, 9, 0), Vertex(1, 9, 0)));
+  EXPECT_THAT(in[0].vertices,
+              ElementsAre(Vertex(1, 1, 0), Vertex(9, 1, 0), Vertex(9, 9, 0), Vertex(1, 9, 0)));
   const auto out = offset(kSquare, -3);
   ASSERT_EQ(out.size(), 1u);
   EXPECT_THAT(out[0].vertices,
@@ -59,12 +60,14 @@ TEST(OffsetCases, ArcsStayArcsAndACircleOfTwoHalvesVanishesAtItsRadius) {
 
 TEST(OffsetCases, MitresHaveNoLimit) {
   // Tip of 2·atan(1/100): outwards by 1 it moves by 1 / sin(atan(0.01)) = sqrt(10001).
-  const Outline wedge{{{0, 0}, 0}, {{-100, -1}, 0}, {{-100, 1}, 0}, {{0, 0}, 0}};  // clockwise: outside is left
+  const Outline wedge{
+      {{0, 0}, 0}, {{-100, -1}, 0}, {{-100, 1}, 0}, {{0, 0}, 0}};  // clockwise: outside is left
   EXPECT_THAT(offset(wedge, 1).at(0).vertices[0], Vertex(std::sqrt(10001.0), 0, 0));
 }
 
 TEST(OffsetCases, LineAndArcAreExtendedToWhereLineAndCircleMeet) {
-  // Half disc of radius 5 over the x axis. Outwards by 1: the circle of radius 6 meets y = -1 at x = ±sqrt(35).
+  // Half disc of radius 5 over the x axis. Outwards by 1: the circle of radius 6 meets y = -1 at x =
+  // ±sqrt(35).
   const Outline half{{{-5, 0}, 0}, {{5, 0}, 1}, {{-5, 0}, 0}};
   const auto out = offset(half, -1);
   const double x = std::sqrt(35.0), sweep = kPi + 2 * std::asin(1.0 / 6);
@@ -76,8 +79,9 @@ TEST(OffsetCases, LineAndArcAreExtendedToWhereLineAndCircleMeet) {
 }
 
 TEST(OffsetCases, NeighboursThatNeverMeetAreJoinedAboutTheVertex) {
-  // Two hollow quarter circles of radius 10 about (±10, 10) end in cusps at (0, 10) and (±10, 0). Outwards by 1 their
-  // radius is 9, and circles 20 apart don't meet, nor does either meet the line y = -1: half circles join them.
+  // Two hollow quarter circles of radius 10 about (±10, 10) end in cusps at (0, 10) and (±10, 0). Outwards by
+  // 1 their radius is 9, and circles 20 apart don't meet, nor does either meet the line y = -1: half circles
+  // join them.
   const Outline cusps{{{-10, 0}, 0}, {{10, 0}, -kQuarter}, {{0, 10}, -kQuarter}, {{-10, 0}, 0}};
   EXPECT_THAT(offset(cusps, -1).at(0).vertices,
               ElementsAre(Vertex(-10, 1, 1), Vertex(-10, -1, 0), Vertex(10, -1, 1), Vertex(10, 1, -kQuarter),
@@ -86,10 +90,11 @@ TEST(OffsetCases, NeighboursThatNeverMeetAreJoinedAboutTheVertex) {
 
 TEST(OffsetCases, AnArcWhoseRadiusIsTheDistanceVanishesAndItsNeighboursMeet) {
   // A 10 square with one corner rounded by radius 1: inwards by 1 that arc is a point.
-  const Outline filleted{{{5, 0}, 0}, {{9, 0}, kQuarter}, {{10, 1}, 0}, {{10, 10}, 0}, {{0, 10}, 0}, {{0, 0}, 0},
-                         {{5, 0}, 0}};
-  EXPECT_THAT(offset(filleted, 1).at(0).vertices,
-              ElementsAre(Vertex(5, 1, 0), Vertex(9, 1, 0), Vertex(9, 9, 0), Vertex(1, 9, 0), Vertex(1, 1, 0)));
+  const Outline filleted{{{5, 0}, 0},  {{9, 0}, kQuarter}, {{10, 1}, 0}, {{10, 10}, 0},
+                         {{0, 10}, 0}, {{0, 0}, 0},        {{5, 0}, 0}};
+  EXPECT_THAT(
+      offset(filleted, 1).at(0).vertices,
+      ElementsAre(Vertex(5, 1, 0), Vertex(9, 1, 0), Vertex(9, 9, 0), Vertex(1, 9, 0), Vertex(1, 1, 0)));
 }
 
 // Two 10 squares, 6 apart, joined by a neck 2 high; the path starts in the right one.
@@ -111,18 +116,20 @@ TEST(OffsetCases, ARegionThatFallsApartGivesItsPartsTheNearestToTheStartFirst) {
 
 TEST(OffsetCases, AMouthThatClosesOutwardsLeavesAPocket) {
   // A ring 20 outside, 12 inside, with a mouth 2 wide in its right wall: outwards by 1.5 the mouth closes.
-  const Outline c{{{0, 0}, 0},  {{20, 0}, 0},  {{20, 9}, 0},  {{16, 9}, 0},  {{16, 4}, 0}, {{4, 4}, 0}, {{4, 16}, 0},
-                  {{16, 16}, 0}, {{16, 11}, 0}, {{20, 11}, 0}, {{20, 20}, 0}, {{0, 20}, 0}, {{0, 0}, 0}};
+  const Outline c{{{0, 0}, 0},   {{20, 0}, 0}, {{20, 9}, 0},  {{16, 9}, 0},  {{16, 4}, 0},
+                  {{4, 4}, 0},   {{4, 16}, 0}, {{16, 16}, 0}, {{16, 11}, 0}, {{20, 11}, 0},
+                  {{20, 20}, 0}, {{0, 20}, 0}, {{0, 0}, 0}};
   const auto parts = offset(c, -1.5);
   ASSERT_EQ(parts.size(), 2u);
   EXPECT_NEAR(reckoning::signedArea(parts[0]), 23.0 * 23, 1e-9);
-  EXPECT_NEAR(reckoning::signedArea(parts[1]), -9.0 * 9, 1e-9);  // runs the path's way: clockwise round the pocket
+  EXPECT_NEAR(reckoning::signedArea(parts[1]), -9.0 * 9,
+              1e-9);  // runs the path's way: clockwise round the pocket
 }
 
 TEST(OffsetCases, AStartThatIsCutAwayMovesToTheNearestPlaceLeft) {
   // A slit 1 wide goes into the square from above; the path starts at its bottom. Inwards means round it.
-  const Outline slit{{{5.5, 4}, 0}, {{5.5, 10}, 0}, {{10, 10}, 0}, {{10, 0}, 0}, {{0, 0}, 0}, {{0, 10}, 0},
-                     {{4.5, 10}, 0}, {{4.5, 4}, 0}, {{5.5, 4}, 0}};
+  const Outline slit{{{5.5, 4}, 0}, {{5.5, 10}, 0}, {{10, 10}, 0}, {{10, 0}, 0}, {{0, 0}, 0},
+                     {{0, 10}, 0},  {{4.5, 10}, 0}, {{4.5, 4}, 0}, {{5.5, 4}, 0}};
   // Clockwise, so the inside is right; into the slit is left, where 0.6 leaves only the outer square.
   const auto out = offset(slit, 0.6);
   ASSERT_EQ(out.size(), 1u);
@@ -132,8 +139,8 @@ TEST(OffsetCases, AStartThatIsCutAwayMovesToTheNearestPlaceLeft) {
 }
 
 TEST(OffsetCases, ASlitAndAWhiskerWithoutWidthHaveTwoSides) {
-  // The path goes into the square from (5, 10) to (5, 5) and comes back on the same line. Inside, the wire goes round
-  // it: 8 by 8 less 2 wide, 4 deep and a half disc of radius 1. Outside it isn't there.
+  // The path goes into the square from (5, 10) to (5, 5) and comes back on the same line. Inside, the wire
+  // goes round it: 8 by 8 less 2 wide, 4 deep and a half disc of radius 1. Outside it isn't there.
   const Outline slit{{{0, 0}, 0}, {{10, 0}, 0}, {{10, 10}, 0}, {{5, 10}, 0},
                      {{5, 5}, 0}, {{5, 10}, 0}, {{0, 10}, 0},  {{0, 0}, 0}};
   EXPECT_NEAR(reckoning::signedArea(offset(slit, 1).at(0)), 64 - 8 - kPi / 2, 1e-9);
@@ -180,7 +187,8 @@ TEST(OffsetCases, OfAnOpenPathWhatIsTooNearToAnyPartOfItIsCutAway) {
   ASSERT_EQ(over.size(), 1u);
   EXPECT_THAT(over[0].vertices.front(), Vertex(-10, 11.5, 0));
   EXPECT_THAT(over[0].vertices.back(), Vertex(12, 11.5, 0));
-  for (const auto& p : reckoning::samples(over[0], 5)) EXPECT_GE(reckoning::distanceTo(channel, p), 1.5 - kFine);
+  for (const auto& p : reckoning::samples(over[0], 5))
+    EXPECT_GE(reckoning::distanceTo(channel, p), 1.5 - kFine);
   // A hook whose end comes back over its start: the wire stops where that end is 1 away.
   const Outline hook{{{0, 0}, 0}, {{10, 0}, 0}, {{10, 1.5}, 0}, {{5, 1.5}, 0}};
   for (const auto& c : offset(hook, 1))

@@ -68,7 +68,8 @@ Points flat(const Outline& path, double sagitta) {
       const Circle c = circleOf(path[i].point, path[i + 1].point, b);
       steps = stepsFor(c.radius, c.sweep, sagitta);
     }
-    for (int k = 0; k < steps; ++k) out.push_back(along(path[i].point, path[i + 1].point, b, double(k) / steps));
+    for (int k = 0; k < steps; ++k)
+      out.push_back(along(path[i].point, path[i + 1].point, b, double(k) / steps));
   }
   return out;
 }
@@ -78,7 +79,7 @@ struct Ray {  // the extension of a moved span beyond an end: a line, or round a
   AcGeVector2d along;
   bool line = true;
   AcGePoint2d centre;
-  double radius = 0, turn = 0;  // turn: +1 counter-clockwise
+  double radius = 0, turn = 0;                       // turn: +1 counter-clockwise
   [[nodiscard]] AcGePoint2d point(double s) const {  // s in mm
     if (line) return at + along * s;
     const double w = std::atan2(at.y - centre.y, at.x - centre.x) + turn * s / radius;
@@ -148,9 +149,10 @@ Points stripOf(AcGePoint2d a, AcGePoint2d b, double bulge, double d, double sagi
   return p;
 }
 
-// The ground between the strips of two spans that turn away from the offset's side: their extensions up to where
-// they meet, or a sector of radius d.
-Points mitreOf(const BulgeVertex& u, const BulgeVertex& v, AcGePoint2d w, double d, double far, double sagitta) {
+// The ground between the strips of two spans that turn away from the offset's side: their extensions up to
+// where they meet, or a sector of radius d.
+Points mitreOf(const BulgeVertex& u, const BulgeVertex& v, AcGePoint2d w, double d, double far,
+               double sagitta) {
   const AcGeVector2d t = tangentOf(u.point, v.point, u.bulge, true);
   const AcGeVector2d s = tangentOf(v.point, w, v.bulge, false);
   const double sine = t.crossProduct(s);
@@ -225,7 +227,8 @@ double signedArea(const PolylineCurve& c) {
 bool isSimple(const Outline& path) {
   const std::size_t n = path.size() - 1;
   std::vector<Curve> spans;
-  for (std::size_t i = 0; i < n; ++i) spans.push_back(spanCurve(path[i].point, path[i + 1].point, path[i].bulge));
+  for (std::size_t i = 0; i < n; ++i)
+    spans.push_back(spanCurve(path[i].point, path[i + 1].point, path[i].bulge));
   for (std::size_t i = 0; i < n; ++i)
     for (std::size_t j = i + 1; j < n; ++j)
       for (const AcGePoint2d p : intersect(spans[i], spans[j], Extend::kOnBothOperands)) {
@@ -304,8 +307,10 @@ Outline randomOutline(std::mt19937& random) {
     Outline o;
     for (std::size_t i = 0; i < p.size(); ++i) {
       const AcGePoint2d a = p[(i + p.size() - 1) % p.size()], c = p[(i + 1) % p.size()];
-      if (number(0, 1) < rounded) appendRounded(o, a, p[i], c, number(0.05, 1.5));
-      else o.push_back({p[i], 0});
+      if (number(0, 1) < rounded)
+        appendRounded(o, a, p[i], c, number(0.05, 1.5));
+      else
+        o.push_back({p[i], 0});
     }
     for (BulgeVertex& v : o)
       if (v.bulge == 0 && number(0, 1) < bulged * 0.5) v.bulge = number(-0.5, 0.5);
@@ -402,12 +407,15 @@ Outline gridOutline(std::mt19937& random) {
   const double roundedShare = below(3) * 0.5;
   Outline o;
   const auto add = [&o](AcGePoint2d at, double bulge) {
-    if (!o.empty() && o.back().point == at) o.back().bulge = bulge;
-    else o.push_back({at, bulge});
+    if (!o.empty() && o.back().point == at)
+      o.back().bulge = bulge;
+    else
+      o.push_back({at, bulge});
   };
   for (std::size_t i = 0; i < p.size(); ++i) {
     const AcGePoint2d b = p[i];
-    const AcGeVector2d u = (p[(i + p.size() - 1) % p.size()] - b).normal(), v = (p[(i + 1) % p.size()] - b).normal();
+    const AcGeVector2d u = (p[(i + p.size() - 1) % p.size()] - b).normal(),
+                       v = (p[(i + 1) % p.size()] - b).normal();
     if (radius == 0 || below(1000) >= 1000 * roundedShare) {
       add(b, 0);
       continue;
@@ -425,9 +433,9 @@ Outline arcSlot(double d, double from, bool clockwise) {
   const double inner = 10 * d, to = from + 1, end = from + 1.4;
   const auto at = [](double r, double w) { return AcGePoint2d{r * std::cos(w), r * std::sin(w)}; };
   const double slot = std::tan((to - from) / 4), rim = std::tan((end - from) / 4);
-  Outline o{{at(inner - 5 * d, from), 0},   {at(inner, from), slot},         {at(inner, to), -1},
-            {at(inner + 2 * d, to), -slot}, {at(inner + 2 * d, from), 0},    {at(inner + 7 * d, from), rim},
-            {at(inner + 7 * d, end), 0},    {at(inner - 5 * d, end), -rim},  {at(inner - 5 * d, from), 0}};
+  Outline o{{at(inner - 5 * d, from), 0},   {at(inner, from), slot},        {at(inner, to), -1},
+            {at(inner + 2 * d, to), -slot}, {at(inner + 2 * d, from), 0},   {at(inner + 7 * d, from), rim},
+            {at(inner + 7 * d, end), 0},    {at(inner - 5 * d, end), -rim}, {at(inner - 5 * d, from), 0}};
   return clockwise ? reversedOutline(o) : o;
 }
 

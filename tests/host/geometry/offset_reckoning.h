@@ -1,5 +1,5 @@
-// A reckoning of offsets that shares no code with them: fine polygons, Boolean operations of another library, and
-// plain distances. Knows nothing of how the offset is made.
+// A reckoning of offsets that shares no code with them: fine polygons, Boolean operations of another library,
+// and plain distances. Knows nothing of how the offset is made.
 #pragma once
 
 #include <cstdint>
@@ -21,8 +21,8 @@ double signedArea(const PolylineCurve& c);
 // No two spans of the closed outline meet but neighbours at their shared vertex (of some mm in size).
 bool isSimple(const Outline& path);
 
-// What the offset of a simple closed outline leaves, told by union and difference of fine polygons: the outline's
-// strips and its corners' mitres, taken from (inwards) or added to (outwards) its inside.
+// What the offset of a simple closed outline leaves, told by union and difference of fine polygons: the
+// outline's strips and its corners' mitres, taken from (inwards) or added to (outwards) its inside.
 struct Expected {
   double area = 0;       // mm² inside of what is left
   double tolerance = 0;  // mm², from the polygons' chords
@@ -33,11 +33,13 @@ Expected expectedOffset(const Outline& closed, double distance);
 
 // Random simple outlines of about 10 mm: stars with straight, bulged and rounded spans, either way round.
 Outline randomOutline(std::mt19937& random);
-// A comb on the grid: slots of width 2·d; bottoms square, with corners of radius d, or half circles of radius d.
+// A comb on the grid: slots of width 2·d; bottoms square, with corners of radius d, or half circles of radius
+// d.
 Outline comb(int slots, double d, int bottom, bool clockwise);
 // A part of a ring with a slot of width 2·d along it, from the angle `from` (radians) on, with a round end.
 Outline arcSlot(double d, double from, bool clockwise);
-// A random outline along the lines of a grid of 1 mm, without holes; corners square or rounded by 0.25 or 0.5 mm.
+// A random outline along the lines of a grid of 1 mm, without holes; corners square or rounded by 0.25 or 0.5
+// mm.
 Outline gridOutline(std::mt19937& random);
 Outline changed(const Outline& path, double scale, AcGeVector2d shift);
 Outline turned(const Outline& path, double radians);

@@ -1,5 +1,5 @@
-// Offsets against a reckoning of their own: random outlines and combs at many sizes and places, both ways and sides.
-// Knows the contract of the offset only.
+// Offsets against a reckoning of their own: random outlines and combs at many sizes and places, both ways and
+// sides. Knows the contract of the offset only.
 #include "host/geometry/offset.h"
 
 #include <gtest/gtest.h>
@@ -18,7 +18,9 @@ using reckoning::Outline;
 constexpr double kScales[] = {0.001, 0.01, 1, 100, 1000};
 constexpr double kShifts[] = {0, 1000, 100000};
 
-bool longRun() { return std::getenv("TARNEX_LONG") != nullptr; }
+bool longRun() {
+  return std::getenv("TARNEX_LONG") != nullptr;
+}
 
 double sizeOf(const Outline& path) {
   double size = 0;
@@ -26,7 +28,8 @@ double sizeOf(const Outline& path) {
   return size;
 }
 
-// What is wrong with `curves` as the offset of the closed `path`, or nothing. `expected` was reckoned at `scale` 1.
+// What is wrong with `curves` as the offset of the closed `path`, or nothing. `expected` was reckoned at
+// `scale` 1.
 std::string fault(const Outline& path, double distance, const std::vector<PolylineCurve>& curves,
                   const reckoning::Expected& expected, double scale) {
   const double noise = 300 * std::numeric_limits<double>::epsilon() * sizeOf(path);
@@ -107,19 +110,21 @@ TEST(Offset, CombsWhoseSlotsAndRadiiVanishExactly) {
       for (const bool clockwise : {false, true})
         for (const double distance : {d, -d, 2 * d, -2 * d, 3 * d, 0.5 * d, -0.5 * d})
           tryEverywhere(reckoning::comb(5, d, bottom, clockwise), distance, tally,
-                        "comb " + std::to_string(d) + " bottom " + std::to_string(bottom) + (clockwise ? " cw" : " ccw"));
+                        "comb " + std::to_string(d) + " bottom " + std::to_string(bottom) +
+                            (clockwise ? " cw" : " ccw"));
   report("combs", tally);
   for (const double from : {0.0, 0.3, 1.2, 2.9})
     for (const bool clockwise : {false, true})
       for (const double distance : {0.15, -0.15, 0.3, -0.3, 0.37, 0.075})
-        tryEverywhere(reckoning::arcSlot(0.15, from, clockwise), distance, tally, "arc slot " + std::to_string(from));
+        tryEverywhere(reckoning::arcSlot(0.15, from, clockwise), distance, tally,
+                      "arc slot " + std::to_string(from));
   report("combs and arc slots", tally);
   EXPECT_EQ(tally.wrong, 0) << tally.first;
   EXPECT_EQ(tally.declined, 0);
 }
 
 TEST(Offset, GridOutlinesWhereManyThingsVanishAtOnce) {
-  const int count = longRun() ? 5000 : (std::getenv("TRY") ? std::atoi(std::getenv("TRY")) : 30);
+  const int count = longRun() ? 5000 : 45;
   Tally tally;
   for (int i = 0; i < count; ++i) {
     std::mt19937 random(static_cast<unsigned>(i));
