@@ -11,7 +11,7 @@ from ezdxf.lldxf.tagger import ascii_tags_loader, binary_tags_loader
 
 
 def make(folder):
-    for version in ("R12", "R2000", "R2004", "R2007", "R2010", "R2013", "R2018"):
+    for version, forms in (("R12", "asc bin"), ("R2000", "asc bin"), ("R2007", "asc"), ("R2018", "asc bin")):
         doc = ezdxf.new(version, setup=True, units=4)
         doc.layers.add("CUT", color=1)
         msp = doc.modelspace()
@@ -40,7 +40,7 @@ def make(folder):
             hatch.paths.add_polyline_path([(0, 0), (10, 0), (10, 10)], is_closed=True)
             msp.add_linear_dim(base=(0, 5), p1=(0, 0), p2=(10, 0)).render()
             doc.layout("Layout1").add_line((0, 0), (1, 1))
-        for fmt in ("asc", "bin"):
+        for fmt in forms.split():
             name = f"{folder}/{version}-{fmt}.dxf"
             doc.saveas(name, fmt=fmt)
             print(name)

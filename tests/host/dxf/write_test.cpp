@@ -184,6 +184,32 @@ TEST(DxfWrite, FramesFollowTheirCurve) {
   EXPECT_NEAR(std::stod((frame + 3)->second), 9, 1e-12);
 }
 
+// What the drawing doesn't hold of a text or a reference goes where they go.
+TEST(DxfWrite, SecondPointsAndAttributesFollow) {
+  const std::string bytes =
+      drawing("AC1015",
+              "0 TEXT|5 A|8 0|10 1.0|20 2.0|30 0.0|40 3.0|1 T|72 1|11 5.0|21 2.0|31 0.0|"
+              "0 INSERT|5 B|8 0|66 1|2 X|10 1.0|20 1.0|30 0.0|"
+              "0 ATTRIB|5 C|8 0|10 2.0|20 1.0|40 1.0|1 v|2 TAG|0 SEQEND|5 D|8 0");
+  const auto r = read(bytes);
+  const AcGeMatrix3d move = AcGeMatrix3d::translation({10, 0, 0});
+  ASSERT_EQ(change<AcDbText>(r->db, 0)->transformBy(move), ErrorStatus::eOk);
+  ASSERT_EQ(change<AcDbBlockReference>(r->db, 1)->transformBy(move), ErrorStatus::eOk);
+  Lines got = difference(bytes, dxfText(r->db));
+  const Lines expected = {"-10 1.0", "+10 11", "-11 5.0", "+11 15", "-10 1.0", "+10 11", "-10 2.0", "+10 12"};
+  for (const std::string& line : expected)
+    EXPECT_EQ(std::count(got.begin(), got.end(), line), std::count(expected.begin(), expected.end(), line))
+        << line;
+  // Turned by 90 degrees about (11,1), the attribute stands above its reference.
+  ASSERT_EQ(change<AcDbBlockReference>(r->db, 1)->transformBy(AcGeMatrix3d::rotation(kPi / 2, {11, 1})),
+            ErrorStatus::eOk);
+  const Tags tags = parsed(dxfText(r->db));
+  const auto attribute = std::find(tags.begin(), tags.end(), std::pair<int, std::string>(0, "ATTRIB"));
+  ASSERT_NE(attribute, tags.end());
+  EXPECT_NEAR(std::stod((attribute + 3)->second), 11, 1e-12);
+  EXPECT_NEAR(std::stod((attribute + 4)->second), 2, 1e-12);
+}
+
 TEST(DxfWrite, LayersChangedAndAdded) {
   const std::string bytes = completeDrawing();
   const auto r = read(bytes);
