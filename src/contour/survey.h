@@ -39,12 +39,18 @@ struct DoubledCurve {
   AcGePoint2d at;  // the middle of what lies over each other
 };
 
-// Curves that are not joined yet: branch points and doubled curves among the given entities.
+// Curves that are not joined yet: branch points and doubled curves among the given entities, and which of
+// them can be part of a closed contour at all.
 struct LooseSurvey {
   std::vector<BranchPoint> branches;
   std::vector<DoubledCurve> doubled;
+  std::vector<AcDbObjectId> joinable;   // in drawing order: all but the curves of plain open chains
+  std::vector<AcDbObjectId> notJoined;  // those
+  std::vector<OpenChain> open;  // plain open chains: two free ends, no branches; `id` is one of its curves
 };
-[[nodiscard]] LooseSurvey surveyLoose(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& entities);
+// Ends up to `gap` mm apart count as joined.
+[[nodiscard]] LooseSurvey surveyLoose(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& entities,
+                                      double gap = 0.001);
 
 // Contours and chains as they stand, in drawing order. Curves that cross each other count as they lie.
 struct ContourSurvey {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <map>
 
 #include "contour/geometrylibrary.h"
 #include "contour/survey.h"
@@ -33,6 +34,18 @@ struct LooseCurve {
   bool line;
 };
 
+// Any other open curve that may join a chain: only its ends count.
+std::optional<LooseCurve> otherOpenCurve(const AcDbDatabase& drawing, AcDbObjectId id) {
+  const auto* curve = drawing.peek<AcDbCurve>(id);
+  if (!curve || curve->isClosed()) return std::nullopt;
+  const bool chainable = &curve->isA() == &AcDbPolyline::desc() || curve->isKindOf(AcDb2dPolyline::desc()) ||
+                         curve->isKindOf(AcDbSpline::desc()) || curve->isKindOf(AcDbEllipse::desc());
+  if (!chainable) return std::nullopt;
+  const AcGePoint2d s = curve->getStartPoint().flat(), e = curve->getEndPoint().flat();
+  return LooseCurve{
+      id, s, e, curve->getPointAtDist(curve->length() / 2).value_or(solid(s)).flat(), curve->length(), false};
+}
+
 std::optional<LooseCurve> looseCurve(const AcDbDatabase& drawing, AcDbObjectId id) {
   if (const auto* line = drawing.peek<AcDbLine>(id)) {
     const AcGePoint2d s = line->getStartPoint().flat(), e = line->getEndPoint().flat();
@@ -48,26 +61,116 @@ std::optional<LooseCurve> looseCurve(const AcDbDatabase& drawing, AcDbObjectId i
                       sweep * arc->radius(),
                       false};
   }
-  return std::nullopt;
+  return otherOpenCurve(drawing, id);
 }
 
-std::vector<BranchPoint> branchPoints(const std::vector<LooseCurve>& curves) {
+// One end of a curve in the order of its cell.
+std::vector<Keyed> endKeys(const std::vector<LooseCurve>& curves) {
   std::vector<Keyed> keys;
+  keys.reserve(curves.size() * 2);
   for (std::uint32_t i = 0; i < curves.size(); ++i)
     for (AcGePoint2d p : {curves[i].start, curves[i].end}) keys.push_back({cellOf(p.x), cellOf(p.y), i});
   std::sort(keys.begin(), keys.end());
-  std::vector<BranchPoint> branches;
+  return keys;
+}
+
+// Curves that hang together, and what each group's ends are like.
+class Components {
+ public:
+  explicit Components(std::size_t count) : parent_(count), free_(count), branched_(count) {
+    for (std::uint32_t i = 0; i < count; ++i) parent_[i] = i;
+  }
+  std::uint32_t of(std::uint32_t i) {
+    while (parent_[i] != i) i = parent_[i] = parent_[parent_[i]];
+    return i;
+  }
+  void join(std::uint32_t a, std::uint32_t b) {
+    a = of(a);
+    b = of(b);
+    if (a == b) return;
+    parent_[b] = a;
+    free_[a] += free_[b];
+    branched_[a] = branched_[a] || branched_[b];
+  }
+  void addFreeEnds(std::uint32_t i, int ends) { free_[of(i)] += ends; }
+  void markBranched(std::uint32_t i) { branched_[of(i)] = true; }
+  // No branch, and ends that nothing meets: no closed contour can come of it.
+  bool plainOpen(std::uint32_t i) { return free_[of(i)] > 0 && !branched_[of(i)]; }
+
+ private:
+  std::vector<std::uint32_t> parent_;
+  std::vector<int> free_;
+  std::vector<bool> branched_;
+};
+
+struct FreeEnd {
+  std::uint32_t curve;
+  AcGePoint2d at;
+};
+
+AcGePoint2d endInCell(const LooseCurve& c, const Keyed& key) {
+  const bool atStart = cellOf(c.start.x) == key.a && cellOf(c.start.y) == key.b;
+  return atStart ? c.start : c.end;
+}
+
+// Walks the places where ends meet: branch points, components, and ends that meet nothing.
+void walkEnds(const std::vector<LooseCurve>& curves, Components& components, std::vector<FreeEnd>& freeEnds,
+              std::vector<BranchPoint>& branches) {
+  const auto keys = endKeys(curves);
   for (std::size_t i = 0; i < keys.size();) {
     std::size_t j = i;
-    while (j < keys.size() && keys[j].sameCell(keys[i])) ++j;
+    for (; j < keys.size() && keys[j].sameCell(keys[i]); ++j) components.join(keys[i].index, keys[j].index);
+    if (j - i == 1) freeEnds.push_back({keys[i].index, endInCell(curves[keys[i].index], keys[i])});
     if (j - i > 2) {
-      const auto& c = curves[keys[i].index];
-      const bool atStart = cellOf(c.start.x) == keys[i].a && cellOf(c.start.y) == keys[i].b;
-      branches.push_back({atStart ? c.start : c.end, static_cast<int>(j - i)});
+      branches.push_back({endInCell(curves[keys[i].index], keys[i]), static_cast<int>(j - i)});
+      components.markBranched(keys[i].index);
     }
     i = j;
   }
-  return branches;
+}
+
+// Free ends that come within the gap of another free end are joined after all.
+void joinAcrossGaps(std::vector<FreeEnd>& ends, double gap, Components& components) {
+  std::sort(ends.begin(), ends.end(), [](const FreeEnd& a, const FreeEnd& b) { return a.at.x < b.at.x; });
+  std::vector<int> partners(ends.size());
+  for (std::size_t i = 0; i < ends.size(); ++i)
+    for (std::size_t j = i + 1; j < ends.size() && ends[j].at.x - ends[i].at.x <= gap; ++j) {
+      if (!(ends[i].at.distanceTo(ends[j].at) <= gap)) continue;
+      components.join(ends[i].curve, ends[j].curve);
+      ++partners[i];
+      ++partners[j];
+    }
+  std::vector<FreeEnd> left;
+  for (std::size_t i = 0; i < ends.size(); ++i) {
+    if (partners[i] == 0) left.push_back(ends[i]);
+    if (partners[i] > 1) components.markBranched(ends[i].curve);
+  }
+  ends = std::move(left);
+}
+
+void splitByChains(const std::vector<LooseCurve>& curves, Components& components,
+                   const std::vector<FreeEnd>& ends, LooseSurvey& survey) {
+  std::map<std::uint32_t, OpenChain> open;
+  for (std::uint32_t i = 0; i < curves.size(); ++i) {
+    if (!components.plainOpen(i)) {
+      survey.joinable.push_back(curves[i].id);
+      continue;
+    }
+    survey.notJoined.push_back(curves[i].id);
+    OpenChain& chain = open[components.of(i)];
+    if (chain.id.isNull()) chain.id = curves[i].id;
+    chain.length += curves[i].length;
+  }
+  std::map<std::uint32_t, int> seen;
+  for (const FreeEnd& end : ends) {
+    const auto chain = open.find(components.of(end.curve));
+    if (chain == open.end()) continue;
+    (seen[chain->first]++ == 0 ? chain->second.from : chain->second.to) = end.at;
+  }
+  for (auto& [component, chain] : open) {
+    chain.gap = chain.from.distanceTo(chain.to);
+    survey.open.push_back(chain);
+  }
 }
 
 // The same ends, length and middle, in either direction.
@@ -145,12 +248,20 @@ std::vector<DoubledCurve> doubledCurves(const std::vector<LooseCurve>& curves) {
 
 }  // namespace
 
-LooseSurvey surveyLoose(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& entities) {
+LooseSurvey surveyLoose(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& entities, double gap) {
   std::vector<LooseCurve> curves;
   curves.reserve(entities.size());
   for (AcDbObjectId id : entities)
     if (const auto curve = looseCurve(drawing, id)) curves.push_back(*curve);
-  return {branchPoints(curves), doubledCurves(curves)};
+  LooseSurvey survey;
+  Components components(curves.size());
+  std::vector<FreeEnd> freeEnds;
+  walkEnds(curves, components, freeEnds, survey.branches);
+  joinAcrossGaps(freeEnds, gap, components);
+  for (const FreeEnd& end : freeEnds) components.addFreeEnds(end.curve, 1);
+  splitByChains(curves, components, freeEnds, survey);
+  survey.doubled = doubledCurves(curves);
+  return survey;
 }
 
 }  // namespace tarnex

@@ -55,7 +55,7 @@ void Application::start() {
   std::string problem;
   const std::string folder =
       overrides_.installFolder.empty() ? installFolder(&problem) : overrides_.installFolder;
-  module_ = std::make_unique<Module>(editor_, folder, overrides_.language.value_or(language()));
+  module_ = std::make_shared<Module>(editor_, folder, overrides_.language.value_or(language()));
   if (!problem.empty()) editor_.messageBox(problem);
   openCatalogue();
   module_->loadSettings();
@@ -71,9 +71,17 @@ void Application::openCatalogue() {
   if (const auto failure = module_->catalog.open(
           realPath(messageFilePath(module_->installFolder, module_->language)), module_->language))
     editor_.messageBox(*failure, MB_ICONINFORMATION);
-  Module* module = module_.get();
-  editor_.setFrameTexts([module](int number) { return module->message(number); },
-                        [module] { return module->installFolder; }, module->language);
+  const std::weak_ptr<Module> module = module_;
+  editor_.setFrameTexts(
+      [module](int number) {
+        const auto m = module.lock();
+        return m ? m->message(number) : std::string();
+      },
+      [module] {
+        const auto m = module.lock();
+        return m ? m->installFolder : std::string();
+      },
+      module_->language);
 }
 
 void Application::registerCommands() {
@@ -92,19 +100,20 @@ void Application::registerCommands() {
 }
 
 void Application::hookDrawings() {
-  editor_.drawingLoaded.push_back([this] { acrxEntryPoint(AppMessage::kLoadDwgMsg); });
-  editor_.afterUndo.push_back([this] {
-    if (module_) rebuildPathList(*module_);
+  // The host keeps these after an unload; they are to do nothing then.
+  const std::weak_ptr<Module> module = module_;
+  editor_.drawingLoaded.push_back([this, module] {
+    if (!module.expired()) acrxEntryPoint(AppMessage::kLoadDwgMsg);
   });
-  editor_.setHooks.push_back([this](const std::string& name, const std::string& value, std::string& error) {
-    return setSetting(name, value, error);
+  editor_.afterUndo.push_back([module] {
+    if (const auto m = module.lock()) rebuildPathList(*m);
   });
-}
-
-bool Application::setSetting(const std::string& name, const std::string& value, std::string& error) {
-  if (!module_ || !module_->settings.textOf(name)) return false;
-  if (module_->settings.setFromText(name, value, error)) module_->saveSettings();
-  return true;
+  editor_.setHooks.push_back([module](const std::string& name, const std::string& value, std::string& error) {
+    const auto m = module.lock();
+    if (!m || !m->settings.textOf(name)) return false;
+    if (m->settings.setFromText(name, value, error)) m->saveSettings();
+    return true;
+  });
 }
 
 void Application::unload() {

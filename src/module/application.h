@@ -36,11 +36,10 @@ class Application {
   void registerCommands();
   void openCatalogue();
   void hookDrawings();
-  bool setSetting(const std::string& name, const std::string& value, std::string& error);
 
   AcEditor& editor_;
   Overrides overrides_;
-  std::unique_ptr<Module> module_;
+  std::shared_ptr<Module> module_;  // what the host keeps of us looks whether it is still there
 };
 
 // What the control keys send to the host as if typed; nothing for every other character.

@@ -216,7 +216,9 @@ bool write3BProgram(Module& module, const std::string& machine) {
   module.settings.sLastNcFile = name;
   if (!writer.writeTo(name)) return false;
   module.saveSettings();
-  handOverToEditor(module, module.state<LastProgram3b>().path);
+  const auto& written = module.state<LastProgram3b>();
+  module.editor.print("\n" + module.message(20203, {written.path, static_cast<long long>(written.blocks)}));
+  handOverToEditor(module, written.path);
   return true;
 }
 

@@ -37,8 +37,8 @@ class ManualMaker {
     bool made = false;
     while (const auto thread = askThread()) {
       const Step step = fromThread(*thread);
-      if (step == Step::kEnd) break;
       made = step == Step::kMade;
+      if (step == Step::kEnd) break;
     }
     return made;
   }
@@ -104,12 +104,18 @@ class ManualMaker {
     if (const auto* circle = drawing_.peek<AcDbCircle>(id)) {
       path = circlePath(thread, entry, circle->center().flat(), circle->radius());
     } else {
-      if (!prepareContour(module_, id)) return Step::kEnd;
+      if (!prepareContour(module_, id)) return isStillToConvert(id) ? Step::kAgain : Step::kEnd;
       path = contourPath(thread, entry, id);
     }
     if (!path) return Step::kAgain;
     add(std::move(path), id);
     return Step::kMade;
+  }
+
+  // A conversion was refused (a spline with a no): another contour can be picked.
+  bool isStillToConvert(AcDbObjectId id) {
+    return drawing_.peek<AcDbSpline>(id) || drawing_.peek<AcDbEllipse>(id) ||
+           drawing_.peek<AcDb2dPolyline>(id);
   }
 
   std::unique_ptr<CToolPath> circlePath(AcGePoint2d thread, AcGePoint2d entry, AcGePoint2d centre,
@@ -163,15 +169,24 @@ class ManualMaker {
 
 }  // namespace
 
-bool makeManualPaths(Module& module) {
+namespace {
+
+bool confirmed(Module& module) {
   if (DialogLibrary(module).call("SetMDlg", 0) == 0) return false;
   module.loadSettings();
-  return ManualMaker(module).run();
+  return true;
+}
+
+}  // namespace
+
+bool makeManualPaths(Module& module) {
+  return confirmed(module) && ManualMaker(module).run();
 }
 
 void BM(Module& module) {
+  if (!confirmed(module)) return;
   rebuildPathList(module);
-  makeManualPaths(module);
+  ManualMaker(module).run();
   auto& state = module.state<PathState>();
   const int last = static_cast<int>(state.PathList.size()) - 1;
   if (module.settings.nPathOrder == 0) sortNearest(module.drawing(), state, 0, last);

@@ -13,6 +13,11 @@ class OrderByPicking {
   explicit OrderByPicking(Module& module)
       : module_(module), drawing_(module.drawing()), state_(module.state<PathState>()) {}
 
+  // On every way out, so that an interrupt leaves no drawing that shows numbers alone.
+  ~OrderByPicking() { module_.bOrderMode = false; }
+  OrderByPicking(const OrderByPicking&) = delete;
+  OrderByPicking& operator=(const OrderByPicking&) = delete;
+
   void run() {
     module_.bOrderMode = true;
     renumberAll(drawing_, state_);
@@ -52,7 +57,7 @@ class OrderByPicking {
     const int k = path->nPathNo();
     if (k != pos_) {
       if (!exchange(pos_, k)) return;
-      stack_.push_back(id);
+      stack_.push_back(state_.PathList[static_cast<std::size_t>(k - 1)]);
     }
     ++pos_;
   }
@@ -95,14 +100,10 @@ class OrderByPicking {
   void undo() {
     if (stack_.empty()) return;
     const auto* path = drawing_.peek<CToolPath>(stack_.back());
-    if (!path || !exchangeBack(path->nPathNo())) return;
+    if (!path || !exchange(pos_ - 1, path->nPathNo())) return;
     stack_.pop_back();
     --pos_;
   }
-
-  // Where an earlier pick went to place pos - 1, the path that stands there goes back to the last one's
-  // place.
-  bool exchangeBack(int k) { return exchange(pos_ - 1, k); }
 
   const CToolPath* pick(const std::string& prompt) {
     const auto answer = module_.editor.acedEntSel(prompt);
@@ -138,7 +139,7 @@ class OrderByPicking {
   AcDbDatabase& drawing_;
   PathState& state_;
   int pos_ = 1;
-  std::vector<AcDbObjectId> stack_;
+  std::vector<AcDbObjectId> stack_;  // paths that had to leave their places for picked ones
 };
 
 }  // namespace

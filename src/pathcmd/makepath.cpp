@@ -248,9 +248,23 @@ class PathMaker {
     if (points_.thread == q) return;
     auto hits = intersect(polyline_, LineCurve{q, points_.thread},
                           s_.nSide == kInnerHole ? Extend::kExtendArg : Extend::kOnBothOperands);
+    if (hits.size() > 2) keepWallsOfSlot(hits);
     if (hits.size() < 2) return;
     sortPoints(hits, 2);
     if (hits[0].distanceTo(hits[1]) / 2 < s_.dLeadLen) points_.thread = midpoint(hits[0], hits[1]);
+  }
+
+  // Of many hits the entry itself and the one that the lead-in meets next.
+  void keepWallsOfSlot(std::vector<AcGePoint2d>& hits) const {
+    const AcGePoint2d q = points_.entry;
+    const AcGeVector2d way = points_.thread - q;
+    std::optional<AcGePoint2d> next;
+    for (AcGePoint2d hit : hits)
+      if ((hit - q).dotProduct(way) > kSamePoint * way.length() &&
+          (!next || hit.distanceTo(q) < next->distanceTo(q)))
+        next = hit;
+    hits = {q};
+    if (next) hits.push_back(*next);
   }
 
   // The middle of the first span; of the next ones where a lead-in from there would run into the contour

@@ -45,23 +45,22 @@ struct Measured {
   AcGePoint2d start;
 };
 
-// An exchange sort by length. Where no two lengths are equal any sort gives the same.
-void exchangeSort(std::vector<Measured>& paths) {
-  const auto shorter = [](const Measured& a, const Measured& b) { return a.length < b.length; };
-  if (std::is_sorted(paths.begin(), paths.end(), shorter)) return;
-  auto sorted = paths;
-  std::sort(sorted.begin(), sorted.end(), shorter);
-  const bool distinct =
-      std::adjacent_find(sorted.begin(), sorted.end(), [](const Measured& a, const Measured& b) {
-        return a.length == b.length;
-      }) == sorted.end();
+// An exchange sort. Where no two are equal any sort gives the same.
+template <class T, class Less>
+void exchangeSort(std::vector<T>& items, Less less) {
+  if (std::is_sorted(items.begin(), items.end(), less)) return;
+  auto sorted = items;
+  std::sort(sorted.begin(), sorted.end(), less);
+  const bool distinct = std::adjacent_find(sorted.begin(), sorted.end(), [&](const T& a, const T& b) {
+                          return !less(a, b);
+                        }) == sorted.end();
   if (distinct) {
-    paths = std::move(sorted);
+    items = std::move(sorted);
     return;
   }
-  for (std::size_t i = 0; i < paths.size(); ++i)
-    for (std::size_t j = i + 1; j < paths.size(); ++j)
-      if (paths[j].length < paths[i].length) std::swap(paths[i], paths[j]);
+  for (std::size_t i = 0; i < items.size(); ++i)
+    for (std::size_t j = i + 1; j < items.size(); ++j)
+      if (less(items[j], items[i])) std::swap(items[i], items[j]);
 }
 
 // The walk among paths of one length. Where each path stands is kept beside an index by length, so that a
@@ -134,7 +133,7 @@ void rebuildPathList(Module& module) {
   std::vector<std::pair<int, AcDbObjectId>> found;
   for (AcDbObjectId id : drawing.modelSpaceEntities())
     if (const auto* path = drawing.peek<CToolPath>(id)) found.emplace_back(path->nPathNo(), id);
-  std::stable_sort(found.begin(), found.end(), [](auto& a, auto& b) { return a.first < b.first; });
+  exchangeSort(found, [](const auto& a, const auto& b) { return a.first < b.first; });
   state.PathList.clear();
   for (const auto& [number, id] : found) state.PathList.push_back(id);
   readDisplayValues(module);
@@ -179,7 +178,7 @@ void sortByLength(AcDbDatabase& drawing, PathState& state) {
   for (AcDbObjectId id : state.PathList)
     if (const auto* path = pathAt(drawing, id))
       paths.push_back({id, path->contourLength(), path->getPointAt(0)});
-  exchangeSort(paths);
+  exchangeSort(paths, [](const Measured& a, const Measured& b) { return a.length < b.length; });
   EqualLengthWalk walk(paths);
   for (std::size_t i = 0; i + 1 < paths.size(); ++i) {
     const AcGePoint2d p = paths[i].start;

@@ -48,8 +48,8 @@ bool enterNearestSpan(const PolylineCurve& contour, AcGePoint2d t, EntryPoints& 
     const auto f = footOnSpan(contour, i, t);
     if (!f || !isPointOnSpan(a, b, v[i].bulge, *f)) continue;
     if (!(f->distanceTo(t) < best)) continue;
-    best = f->distanceTo(t);
     if (!(f->distanceTo(a) > kSamePoint && f->distanceTo(b) > kSamePoint)) continue;
+    best = f->distanceTo(t);
     points.entry = *f;
     points.spanIndex = static_cast<int>(i);
     found = true;

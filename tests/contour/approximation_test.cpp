@@ -108,7 +108,7 @@ TEST_F(Approximation, ClosedAndLoopingSplinesLoseNothing) {
 TEST_F(Approximation, AFullEllipseBecomesAClosedPolylineThroughItsAxisEnds) {
   const AcDbObjectId id =
       session.add(std::make_unique<AcDbEllipse>(AcGePoint3d{5, 5, 0}, AcGeVector2d{0, 10}, 0.5, 0, 2 * kPi));
-  session.ed.acedSetVar("PELLIPSE", 0LL);
+  (void)session.ed.acedSetVar("PELLIPSE", 0LL);
   const auto made = ellipseToPolyline(session.ed, id);
   const auto c = polylineOf(session, made);
   EXPECT_TRUE(c.closed);

@@ -150,7 +150,7 @@ class Prepare : public ModuleFixture {
 };
 
 TEST_F(Prepare, LooseCurvesOfTheDrawingCloseAroundThePick) {
-  session.ed.acedSetVar("OSMODE", 33LL);
+  (void)session.ed.acedSetVar("OSMODE", 33LL);
   session.line({0, 10}, {0, 0});
   const AcDbObjectId pick = session.line({0, 0}, {10, 0});
   addPolyline(session, {{{10, 0}, 0}, {{10, 10}, 0}, {{0, 10}, 0}});

@@ -93,7 +93,7 @@ TEST_F(Input, PicksOnPolylinesTellTheSpan) {
 
 TEST_F(Input, CoordinatesAndSnapArePutBack) {
   setUcsOrigin(session.ed, AcGePoint3d{5, 6, 0});
-  session.ed.acedSetVar("OSMODE", 35LL);
+  (void)session.ed.acedSetVar("OSMODE", 35LL);
   EXPECT_EQ(ask({"50,40"}).point, (AcGePoint3d{50, 40, 0}));  // the world's
   EXPECT_EQ(drawing().ucsorg, (AcGePoint3d{5, 6, 0}));
   EXPECT_EQ(session.ed.intVar("OSMODE"), 35);
@@ -102,7 +102,7 @@ TEST_F(Input, CoordinatesAndSnapArePutBack) {
 // ---- helpers
 
 TEST_F(Input, VariablesGiveTheirOldValue) {
-  session.ed.acedSetVar("OSMODE", 7LL);
+  (void)session.ed.acedSetVar("OSMODE", 7LL);
   EXPECT_EQ(setOsmode(session.ed, kLeaveAsIs), 7);
   EXPECT_EQ(setOsmode(session.ed, 0), 7);
   EXPECT_EQ(setOsmode(session.ed, 7), 0);
@@ -144,7 +144,7 @@ TEST_F(Input, TheDirectionOfAWindowDecidesWhatItTakes) {
 }
 
 TEST_F(Input, ThePickBoxFollowsTheView) {
-  session.ed.acedSetVar("PICKBOX", 3LL);
+  (void)session.ed.acedSetVar("PICKBOX", 3LL);
   session.ed.setView({0, 0}, 100);
   // 3 * 100 / 150 / 2 = 1 mm, at the angles 0.7333 and 3.9269.
   const auto box = pickBoxCorners(session.ed, {10, 20, 0});

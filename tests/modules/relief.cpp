@@ -101,6 +101,16 @@ TEST_F(Relief, StepsThatStandAreKeptAndNotRelievedAgain) {
   const auto once = relieved({{{0, 0}, 0}, {{10, 0}, 0}, {{10, 10}, 0}, {{2, 11}, 0}}, 1);
   EXPECT_EQ(relieved(once.vertices, 1), once);
   EXPECT_EQ(flags, std::vector(once.vertices.size(), 0));
+  // One that leads inwards makes corners to the left, as those that are relieved.
+  const std::vector<BulgeVertex> inwards{{{10, 10}, kMark}, {{9, 9}, kMark}, {{10, 10}, 0}};
+  expectVertices(relieved({{{0, 0}, 0}, {{10, 0}, 0}, inwards[0], inwards[1], inwards[2]}, 1),
+                 {{{0, 0}, 0},
+                  {{10, 0}, kMark},
+                  {{10 + kD, -kD}, kMark},
+                  {{10, 0}, 0},
+                  inwards[0],
+                  inwards[1],
+                  inwards[2]});
 }
 
 TEST_F(Relief, LeavesOneEntityOnTheLayerOfTheFirstAndDeclinesWhatIsNoContour) {

@@ -16,7 +16,8 @@ struct Kind {
   int passLast = 1;
 };
 
-const std::vector<BulgeVertex> kVertices{{{-5, 5}, 0}, {{0, 5}, 0.25}, {{0, 0}, -0.5}, {{10, 0}, 0}, {{0, 5}, 0}};
+const std::vector<BulgeVertex> kVertices{
+    {{-5, 5}, 0}, {{0, 5}, 0.25}, {{0, 0}, -0.5}, {{10, 0}, 0}, {{0, 5}, 0}};
 
 void putContour(Bytes& b, bool circle, double shift) {
   b.flag(circle);
@@ -45,7 +46,10 @@ Bytes record(const Kind& k) {
     for (int i = 0; i < 5; ++i) b.real(i * 0.5);
   } else {
     b.real(0.2).real(0.3).i16(5);
-    for (int i = 0; i < 5; ++i) b.real(kVertices[static_cast<std::size_t>(i)].bulge).p2(kVertices[static_cast<std::size_t>(i)].point).real(i * 0.5);
+    for (int i = 0; i < 5; ++i)
+      b.real(kVertices[static_cast<std::size_t>(i)].bulge)
+          .p2(kVertices[static_cast<std::size_t>(i)].point)
+          .real(i * 0.5);
   }
   putContour(b, k.circle, 0);
   if (v <= 201) return b;
@@ -59,7 +63,8 @@ Bytes record(const Kind& k) {
   if (v >= 203) b.i16(5);
   if (v >= 204) {
     b.text("STYLE7").real(1).real(2).real(3).real(4).i16(k.passLast).i16(503);
-    for (int i = 0; i <= k.passLast; ++i) b.real(10 + i).real(20 + i).real(30 + i).text("C" + std::to_string(i)).text("S" + std::to_string(i));
+    for (int i = 0; i <= k.passLast; ++i)
+      b.real(10 + i).real(20 + i).real(30 + i).text("C" + std::to_string(i)).text("S" + std::to_string(i));
   }
   b.flag(true).p2({61, 62}).p2({63, 64});
   if (v >= 206) {
@@ -86,8 +91,9 @@ std::string written(const CToolPath& path, FilerType type = FilerType::kFileFile
 }
 
 TEST(PathRecord, ThePresentFormGoesOutAsItCameIn) {
-  for (const Kind& k : {Kind{}, Kind{213, 2}, Kind{213, 1, true}, Kind{213, 16}, Kind{213, 8}, Kind{213, 8, true, true},
-                        Kind{213, 1, false, false, 0}, Kind{213, 1, false, false, 9}, Kind{213, 1, false, false, -1}}) {
+  for (const Kind& k :
+       {Kind{}, Kind{213, 2}, Kind{213, 1, true}, Kind{213, 16}, Kind{213, 8}, Kind{213, 8, true, true},
+        Kind{213, 1, false, false, 0}, Kind{213, 1, false, false, 9}, Kind{213, 1, false, false, -1}}) {
     const std::string bytes = record(k).s;
     CToolPath path;
     ASSERT_EQ(readInto(path, bytes), ErrorStatus::eOk);
@@ -119,7 +125,8 @@ TEST(PathRecord, FieldsLandWhereTheyBelong) {
   EXPECT_EQ(path.aCodeText(), (std::vector<std::string>{"R", "A|B"}));
   const ProcessStyle s = path.getProcessStyle();
   EXPECT_EQ(s.sName, "STYLE7");
-  EXPECT_EQ((std::vector<double>{s.dValueA, s.dValueB, s.dValueC, s.dValueD}), (std::vector<double>{1, 2, 3, 4}));
+  EXPECT_EQ((std::vector<double>{s.dValueA, s.dValueB, s.dValueC, s.dValueD}),
+            (std::vector<double>{1, 2, 3, 4}));
   EXPECT_EQ(s.nPassLast, 1);
   EXPECT_EQ(s.nCode, 503);
   EXPECT_EQ(s.passes[1].dValue1, 11);

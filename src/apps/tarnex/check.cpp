@@ -155,7 +155,7 @@ int runCheck(const CheckOptions& options) {
     JobSteps steps(session);
     std::vector<std::string> said;
     steps.takeBlocksApart(said);
-    steps.joinLooseCurves(std::nullopt);
+    steps.joinLooseCurves(surveyLoose(session.drawing(), steps.shown()), std::nullopt);
     figures = figuresOfContours(session.drawing(), *options.offset);
   } else {
     figures = figuresOfPaths(session.drawing());

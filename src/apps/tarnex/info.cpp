@@ -132,8 +132,8 @@ int runInfo(const InfoOptions& options) {
   std::vector<std::string> said;
   steps.takeBlocksApart(said);
   look.loose = surveyLoose(drawing, steps.shown());
-  steps.joinLooseCurves(std::nullopt);
-  look.found = surveyContours(drawing, steps.shown());
+  steps.joinLooseCurves(look.loose, std::nullopt);
+  look.found = steps.survey(look.loose);
   if (options.json)
     std::printf(
         "%s\n",

@@ -114,9 +114,9 @@ class Job3b {
       return fail(kFailed, result_.drawing + ": no layer of those names holds anything");
     steps_.takeBlocksApart(result_.said);
     if (options_.clean) steps_.clean(result_.said);
-    result_.loose = surveyLoose(session_.drawing(), steps_.shown());
-    steps_.joinLooseCurves(options_.gap);
-    result_.found = surveyContours(session_.drawing(), steps_.shown());
+    result_.loose = surveyLoose(session_.drawing(), steps_.shown(), options_.gap.value_or(kSamePoint));
+    steps_.joinLooseCurves(result_.loose, options_.gap);
+    result_.found = steps_.survey(result_.loose);
     if (!result_.found.contours.empty() || steps_.hasPaths()) return true;
     return fail(kFailed,
                 result_.drawing + ": nothing to cut: " + steps_.whatIsThere(result_.read, result_.found));
@@ -168,11 +168,12 @@ class Job3b {
     }
     const std::string path = absolutePath(result_.program);
     session_.run({"SET bAskFileName 1", "BB", "", path});
+    const std::string words = lastWords();
     putSettingsBack();
     const auto& program = session_.module().state<LastProgram3b>();
     waitForStarted(session_.module());
     if (program.path.empty()) {
-      return fail(kFailed, path + ": the program was not written: " + lastWords());
+      return fail(kFailed, "the program was not written: " + words);
     }
     result_.blocks = program.blocks;
     result_.program = program.path;

@@ -41,7 +41,7 @@ struct Job3bResult {
   std::vector<std::string> warnings;  // by place
   std::vector<std::string> said;      // what was decided on the way
   std::vector<std::string> script;
-  std::string transcript;  // what the commands printed
+  std::string transcript;                               // what the commands printed
   std::vector<std::pair<std::string, double>> seconds;  // where the time went, step by step
 };
 

@@ -101,11 +101,39 @@ void JobSteps::clean(std::vector<std::string>& said) {
   said.push_back(formatted("cleaned: %zu entities less", before - shown().size()));
 }
 
-void JobSteps::joinLooseCurves(std::optional<double> gap) {
-  if (const auto splines = shownOf<AcDbSpline>(); !splines.empty()) session_.run({"s2p", named(splines), ""});
-  const bool loose = !shownOf<AcDbLine>().empty() || !shownOf<AcDbArc>().empty() ||
-                     !shownOf<AcDbEllipse>().empty() || !shownOf<AcDbPolyline>().empty();
-  if (loose) session_.run({"AJ", "all", "", shortestNumber(gap.value_or(kSamePoint))});
+void JobSteps::joinLooseCurves(const LooseSurvey& loose, std::optional<double> gap) {
+  std::vector<AcDbObjectId> splines, others;
+  for (AcDbObjectId id : loose.joinable)
+    (session_.drawing().peek<AcDbSpline>(id) ? splines : others).push_back(id);
+  for (AcDbObjectId id : shownOf<AcDbSpline>())
+    if (session_.drawing().peek<AcDbSpline>(id)->isClosed()) splines.push_back(id);
+  std::string joined = named(others);
+  if (!splines.empty()) {
+    const AcDbObjectId before = session_.editor.acdbEntLast();
+    session_.run({"s2p", named(splines), ""});
+    for (AcDbObjectId id = session_.editor.acdbEntNext(before); !id.isNull();
+         id = session_.editor.acdbEntNext(id))
+      joined += " " + named({id});
+  }
+  for (AcDbObjectId id : shownOf<AcDbEllipse>())
+    if (session_.drawing().peek<AcDbEllipse>(id)->isClosed()) joined += " " + named({id});
+  if (joined.empty()) return;
+  session_.run(
+      {"AJ", everythingIsJoined(loose) ? "all" : joined, "", shortestNumber(gap.value_or(kSamePoint))});
+}
+
+// A long list of handles is left out where the word for it means the same.
+bool JobSteps::everythingIsJoined(const LooseSurvey& loose) const {
+  return loose.open.empty();
+}
+
+ContourSurvey JobSteps::survey(const LooseSurvey& loose) const {
+  auto rest = shown();
+  const std::set<AcDbObjectId> left(loose.notJoined.begin(), loose.notJoined.end());
+  std::erase_if(rest, [&](AcDbObjectId id) { return left.count(id) != 0; });
+  ContourSurvey found = surveyContours(session_.drawing(), rest);
+  found.open.insert(found.open.end(), loose.open.begin(), loose.open.end());
+  return found;
 }
 
 void JobSteps::makePaths(const std::vector<const SurveyedContour*>& contours, int side) {

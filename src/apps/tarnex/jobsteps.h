@@ -26,7 +26,10 @@ class JobSteps {
   void takeBlocksApart(std::vector<std::string>& said);
   void clean(std::vector<std::string>& said);
   // Splines to chords, then everything that touches (or comes within `gap` mm) becomes one polyline.
-  void joinLooseCurves(std::optional<double> gap);
+  // Curves of plain open chains stay as they are.
+  void joinLooseCurves(const LooseSurvey& loose, std::optional<double> gap);
+  // Contours and open chains after joining; plain open chains are told as wholes, not curve by curve.
+  [[nodiscard]] ContourSurvey survey(const LooseSurvey& loose) const;
   void makePaths(const std::vector<const SurveyedContour*>& contours, int side);
   // Brings paths that lie inside another in front of it; how many paths stood wrong.
   std::size_t mendOrder();
@@ -36,6 +39,7 @@ class JobSteps {
   [[nodiscard]] std::string whatIsThere(const DxfReport& read, const ContourSurvey& found) const;
 
  private:
+  bool everythingIsJoined(const LooseSurvey& loose) const;
   std::string named(const std::vector<AcDbObjectId>& ids) const;  // "&1F &20 ..."
   template <class T>
   std::vector<AcDbObjectId> shownOf() const;

@@ -171,7 +171,6 @@ bool TagReader::nextLoose() {
   value_ = following;
   valueEnd_ = looseLineEnd(value_, p_);
   if (valueEnd_ < value_) valueEnd_ = value_;
-  if (valueEnd_ == end_) lastLineOpen_ = true;
   return true;
 }
 

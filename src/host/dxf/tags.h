@@ -71,7 +71,6 @@ class TagReader {
   [[nodiscard]] std::string_view tagBytes() const { return {tagAt_, static_cast<std::size_t>(p_ - tagAt_)}; }
   [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(end_ - begin_); }
   [[nodiscard]] const TagEncoding& encoding() const { return encoding_; }
-  [[nodiscard]] bool lastLineOpen() const { return lastLineOpen_; }  // the file ended within the value's line
 
   // The value as it stands (ASCII without line end, binary without length or final zero).
   [[nodiscard]] std::string_view raw() const {
@@ -97,7 +96,6 @@ class TagReader {
     const auto* e = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end_ - p)));
     if (!e) {
       e = end_;
-      lastLineOpen_ = true;
       p_ = end_;
     } else {
       p_ = e + 1;
@@ -107,7 +105,7 @@ class TagReader {
 
   const char *begin_, *end_, *p_, *tagAt_, *value_, *valueEnd_;
   TagEncoding encoding_;
-  bool plain_ = true, damaged_ = false, lastLineOpen_ = false;
+  bool plain_ = true, damaged_ = false;
   int code_ = 0;
 };
 

@@ -4,12 +4,12 @@
 
 #include <algorithm>
 #include <cstdarg>
-#include <cstdio>
 #include <vector>
 
 #include "host/editor/hostcommands.h"
 #include "host/editor/sysvars.h"
 #include "host/editor/terminalframe.h"
+#include "host/platform/format.h"
 #include "host/platform/system.h"
 
 namespace tarnex {
@@ -92,18 +92,10 @@ AcRxClassDictionary& AcEditor::classes() {
 // --------------------------------------------------------------------------------------------------
 
 void AcEditor::acutPrintf(const char* pattern, ...) {
-  va_list args, again;
+  va_list args;
   va_start(args, pattern);
-  va_copy(again, args);
-  const int length = std::vsnprintf(nullptr, 0, pattern, args);
+  print(formattedList(pattern, args));
   va_end(args);
-  if (length > 0) {
-    std::string text(static_cast<std::size_t>(length) + 1, '\0');
-    std::vsnprintf(text.data(), text.size(), pattern, again);
-    text.pop_back();
-    print(text);
-  }
-  va_end(again);
 }
 
 void AcEditor::print(std::string_view utf8) {

@@ -4,7 +4,6 @@
 
 #include <histedit.h>
 
-#include <clocale>
 #include <cstdio>
 #include <cwchar>
 
@@ -88,7 +87,7 @@ unsigned char LineEditor::complete(EditLine* editor, int) {
 }
 
 LineEditor::LineEditor(std::string historyFile) : historyFile_(std::move(historyFile)) {
-  std::setlocale(LC_CTYPE, "");  // letters only; numbers stay as they are
+  useTypedLetters();
   editor_ = el_init("tarnex", stdin, stdout, stderr);
   history_ = history_init();
   HistEvent event;

@@ -2,6 +2,7 @@
 // declares.
 #pragma once
 
+#include <cstdarg>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -22,6 +23,9 @@ using FormatArg = std::variant<long long, double, std::string_view>;
 
 // printf for patterns that are literals of the code, in the "C" locale. Checked by the compiler.
 [[nodiscard]] std::string formatted(const char* pattern, ...) __attribute__((format(printf, 1, 2)));
+// The same for a function that has such a list of arguments itself.
+[[nodiscard]] std::string formattedList(const char* pattern, va_list args)
+    __attribute__((format(printf, 1, 0)));
 
 // Text of a number in the "C" locale: the shortest that reads back the same.
 [[nodiscard]] std::string shortestNumber(double v);

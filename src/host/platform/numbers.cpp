@@ -47,13 +47,19 @@ std::string_view numberIn(std::string_view text) {
 }  // namespace
 
 std::string formatted(const char* pattern, ...) {
+  va_list args;
+  va_start(args, pattern);
+  std::string out = formattedList(pattern, args);
+  va_end(args);
+  return out;
+}
+
+std::string formattedList(const char* pattern, va_list args) {
   const PlainNumbers plain;
   char room[256];
-  va_list args, again;
-  va_start(args, pattern);
+  va_list again;
   va_copy(again, args);
   const int count = std::vsnprintf(room, sizeof room, pattern, args);
-  va_end(args);
   std::string out;
   if (count >= 0 && static_cast<std::size_t>(count) < sizeof room) {
     out.assign(room, count);

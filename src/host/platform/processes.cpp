@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <clocale>
 #include <csignal>
 #include <cstring>
 #include <ctime>
@@ -183,6 +184,10 @@ TerminalSize terminalSize() {
 
 int terminalWidth() {
   return terminalSize().columns;
+}
+
+void useTypedLetters() {
+  std::setlocale(LC_CTYPE, "");
 }
 
 void catchInterrupts() {

@@ -91,6 +91,8 @@ class StartedProcess {
                                             std::string* output = nullptr);
 
 [[nodiscard]] bool isTerminal(int fd);
+// Letters typed and shown are those of the user's character set from now on; numbers are untouched.
+void useTypedLetters();
 struct TerminalSize {
   int columns = 80, lines = 24;
 };  // the usual ones when unknown

@@ -1,10 +1,8 @@
 // The command stack: names, undo steps, interrupts, commands run by commands, variables.
 #include <gmock/gmock.h>
 
-#include <csignal>
 #include <stdexcept>
 
-#include "host/platform/system.h"
 #include "session.h"
 
 namespace tarnex {
@@ -57,33 +55,6 @@ TEST(Commands, EachIsOneStepOfUndo) {
   EXPECT_EQ(s.all().size(), 2u);
   EXPECT_EQ(told, 4);
   EXPECT_EQ(s.status, 0);
-}
-
-TEST(Commands, AnInterruptUndoesTheCommandAndDropsTheScript) {
-  Session s;
-  int told = 0;
-  s.ed.afterUndo.push_back([&] { ++told; });
-  addCommand(s, "WORK", "", [&] {
-    s.circle({1, 1}, 1);
-    (void)s.ed.acedSetVar("OSMODE", 1LL);
-    s.ed.database().ucsorg = {5, 5, 0};
-    s.ed.acedSetStatusBarProgressMeter("Working", 0, 10);
-    std::raise(SIGINT);
-    s.ed.acedSetStatusBarProgressMeterPos(5);
-    FAIL() << "went on";
-  });
-  catchInterrupts();
-  s.run({"point 0,0"});
-  const auto out = s.runScript("a.scr", "WORK\ncircle 0,0 1\n");
-  EXPECT_THAT(out, HasSubstr("*Cancel*\n"));
-  EXPECT_EQ(s.all().size(), 1u);
-  EXPECT_EQ(s.status, 1);
-  EXPECT_EQ(told, 1);
-  EXPECT_EQ(s.ed.intVar("OSMODE"), 0);
-  EXPECT_EQ(s.ed.database().ucsorg, AcGePoint3d{});
-  s.run({"u"});  // the point's step, not the rolled back one
-  EXPECT_TRUE(s.all().empty());
-  EXPECT_FALSE(interruptPending());
 }
 
 TEST(Commands, ACommandThatBreaksOffIsUndone) {

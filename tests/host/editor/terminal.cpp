@@ -1,4 +1,4 @@
-// A person at a terminal: prompts, completion, the meter line, Ctrl-C, history.
+// A person at a terminal: prompts, completion, the meter line, Ctrl-C, history. And interrupts of scripts.
 #include "host/editor/terminal.h"
 
 #include <gmock/gmock.h>
@@ -7,10 +7,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 
 #include "host/platform/files.h"
 #include "host/platform/system.h"
+#include "session.h"
 
 namespace tarnex {
 namespace {
@@ -114,6 +116,35 @@ TEST(Terminal, APersonAtWork) {
   (void)removeFile(history);
   (void)removeFile(folder + "/new");
   (void)removeFile(folder);
+}
+
+TEST(Interrupts, AnInterruptUndoesTheCommandAndDropsTheScript) {
+  Session s;
+  int told = 0;
+  s.ed.afterUndo.push_back([&] { ++told; });
+  s.ed.addCommand({"QV", "WORK", "", 0,
+                   [&] {
+                     s.circle({1, 1}, 1);
+                     (void)s.ed.acedSetVar("OSMODE", 1LL);
+                     s.ed.database().ucsorg = {5, 5, 0};
+                     s.ed.acedSetStatusBarProgressMeter("Working", 0, 10);
+                     std::raise(SIGINT);
+                     s.ed.acedSetStatusBarProgressMeterPos(5);
+                     FAIL() << "went on";
+                   },
+                   ""});
+  catchInterrupts();
+  s.run({"point 0,0"});
+  const auto out = s.runScript("a.scr", "WORK\ncircle 0,0 1\n");
+  EXPECT_THAT(out, HasSubstr("*Cancel*\n"));
+  EXPECT_EQ(s.all().size(), 1u);
+  EXPECT_EQ(s.status, 1);
+  EXPECT_EQ(told, 1);
+  EXPECT_EQ(s.ed.intVar("OSMODE"), 0);
+  EXPECT_EQ(s.ed.database().ucsorg, AcGePoint3d{});
+  s.run({"u"});  // the point's step, not the rolled back one
+  EXPECT_TRUE(s.all().empty());
+  EXPECT_FALSE(interruptPending());
 }
 
 }  // namespace

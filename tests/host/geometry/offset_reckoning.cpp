@@ -242,7 +242,7 @@ bool isSimple(const Outline& path) {
 Expected expectedOffset(const Outline& closed, double distance) {
   double size = 0;
   for (const BulgeVertex& v : closed) size = std::max({size, std::abs(v.point.x), std::abs(v.point.y)});
-  const double sagitta = 2e-7 * size, unit = 1e-9 * size, far = 1e4 * size;
+  const double sagitta = 1.5e-6 * size, unit = 1e-9 * size, far = 1e4 * size;
   Expected e;
   const std::size_t n = closed.size() - 1;
   Paths cover;
