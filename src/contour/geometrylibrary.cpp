@@ -101,33 +101,11 @@ int polylineOrientation(const PolylineCurve& c) {
   return area > 0 ? 1 : -1;
 }
 
+// The side of the nearest span would say the same, but for points beyond a sharp corner, where its two spans
+// disagree, and near a vertex, where a span is too short to decide. The winding doesn't waver.
 int pointInPolyline(const PolylineCurve& c, AcGePoint2d p) {
-  if (c.vertices.empty()) return 0;
-  const AcGePoint2d q = closestPoint(c, p).point;
-  double decided = 0;
-  for (std::size_t i = 0; i < c.vertices.size() && decided == 0; ++i) {
-    const auto s = walkSpan(c, i);
-    if (s.start == s.end || !isPointOnSpan(s.start, s.end, s.bulge, q)) continue;
-    AcGePoint2d from = q, to = s.end;
-    if (s.bulge == 0) {
-      if (q.distanceTo(to) <= kSamePoint) from = s.start;
-    } else {
-      const AcGePoint2d centre = bulgeToCircle(s.start, s.end, s.bulge).centre;
-      to = acutPolar(q, acutAngle(centre, q) + (s.bulge >= 0 ? kPi / 2 : -kPi / 2), 1.0);
-    }
-    const AcGeVector2d shift = q - AcGePoint2d{};
-    const double t = triangleArea(p - shift, from - shift, to - shift);
-    if (std::abs(t) > kNegligibleArea) decided = t;
-  }
-  const double area = walkArea(c);
-  if (area == 0 || p.distanceTo(q) <= kSamePoint) return 0;
-  // At a vertex the sides of its two spans may differ, and near one a span may be too short to decide; the
-  // winding of the whole contour doesn't waver.
-  const auto atVertex = [q](const BulgeVertex& v) { return v.point.distanceTo(q) <= kSamePoint; };
-  if (decided == 0 || std::any_of(c.vertices.begin(), c.vertices.end(), atVertex))
-    return insideClosedWalk(c.vertices, p) ? 1 : -1;
-  const double sided = decided * area;
-  return sided > 0 ? 1 : sided < 0 ? -1 : 0;
+  if (c.vertices.empty() || walkArea(c) == 0 || closestPoint(c, p).distance <= kSamePoint) return 0;
+  return insideClosedWalk(c.vertices, p) ? 1 : -1;
 }
 
 std::optional<SpanAt> findSpanAt(const PolylineCurve& c, AcGePoint2d p) {

@@ -39,7 +39,7 @@ TEST_F(Approximation, LayerColourAndProgress) {
   (void)chordsOf(spline);
   EXPECT_EQ(session.last<AcDbPolyline>()->colorIndex(), 6);
   EXPECT_THAT(session.out,
-              HasSubstr("\n\rWorking...- \rWorking...\\ \rWorking...| \rWorking.../ \rWorking...- "));
+              HasSubstr("\rWorking...- \rWorking...\\ \rWorking...| \rWorking.../ \rWorking...- "));
   EXPECT_THAT(session.out, testing::EndsWith("\rWorking...ok  "));
 }
 

@@ -110,7 +110,9 @@ TEST_F(Input, VariablesGiveTheirOldValue) {
   EXPECT_EQ(setCmdEcho(session.ed, kLeaveAsIs), 1);
   EXPECT_EQ(setCmdEcho(session.ed, 0), 1);
   EXPECT_EQ(session.ed.intVar("CMDECHO"), 0);
-  EXPECT_EQ(setPellipse(session.ed, 1), setPellipse(session.ed, -1) == 1 ? 0 : 1);
+  EXPECT_EQ(setPellipse(session.ed, 1), 0);
+  EXPECT_EQ(setPellipse(session.ed, -1), 1);
+  EXPECT_EQ(setPellipse(session.ed, 0), 1);
   const double height = setTextSize(session.ed, 3.5);
   EXPECT_EQ(setTextSize(session.ed, -9999.0), 3.5);
   EXPECT_EQ(setTextSize(session.ed, height), 3.5);
@@ -196,8 +198,8 @@ class HandOver : public Input {
     ASSERT_TRUE(module->textArea);
   }
   std::string note() {
-    return "printf '%s' \"$1\" > '" + folder + "/name'\ntr -d '\\0' < \"$TARNEX_TEXT_AREA\" > '" + folder +
-           "/text'\n";
+    return "printf '%s' \"$1\" > '" + folder +
+           "/name'\nhead -z -n 1 < \"$TARNEX_TEXT_AREA\" | tr -d '\\0' > '" + folder + "/text'\n";
   }
 };
 
@@ -230,7 +232,7 @@ TEST_F(HandOver, WhatDoesNotFitStaysInTheFileAndTheUserIsTold) {
 
 TEST_F(HandOver, AnEditorAtWorkKeepsItsText) {
   editorIs("while [ ! -e '" + folder +
-           "/go' ]; do sleep 0.01; done\ntr -d '\\0' < \"$TARNEX_TEXT_AREA\" > \"$1.seen\"\n");
+           "/go' ]; do sleep 0.01; done\nhead -z -n 1 < \"$TARNEX_TEXT_AREA\" | tr -d '\\0' > \"$1.seen\"\n");
   write("a.3b", "first");
   write("b.3b", "second");
   handOverToEditor(*module, folder + "/a.3b");

@@ -4,10 +4,12 @@
 
 #include <atomic>
 #include <cstdio>
+#include <map>
 #include <mutex>
 #include <thread>
 
 #include "apps/tarnex/report3b.h"
+#include "host/platform/files.h"
 #include "host/platform/system.h"
 
 namespace tarnex {
@@ -16,7 +18,13 @@ namespace {
 
 class Batch {
  public:
-  explicit Batch(const Job3bOptions& options) : options_(options), results_(options.drawings.size()) {}
+  explicit Batch(const Job3bOptions& options) : options_(options), results_(options.drawings.size()) {
+    for (std::size_t i = 0; i < results_.size(); ++i) {
+      results_[i].drawing = options.drawings[i];
+      results_[i].exitCode = kFailed;
+      results_[i].failure = options.drawings[i] + ": not begun, the run was interrupted";
+    }
+  }
 
   int run() {
     const auto workers =
@@ -40,8 +48,9 @@ class Batch {
   static int worse(int a, int b) { return a == kDone ? b : b == kDone ? a : a == b ? a : kFailed; }
 
   void work() {
-    for (std::size_t i; (i = next_++) < results_.size() && !interruptPending();) {
+    for (std::size_t i; (i = next_++) < results_.size() && !stopped_ && !interruptPending();) {
       results_[i] = runJob3b(options_.drawings[i], options_);
+      if (results_[i].interrupted) stopped_ = true;
       const std::lock_guard lock(mutex_);
       ++done_;
       if (results_[i].exitCode != kDone) ++failed_;
@@ -67,15 +76,37 @@ class Batch {
   const Job3bOptions& options_;
   std::vector<Job3bResult> results_;
   std::atomic<std::size_t> next_{0};
+  std::atomic<bool> stopped_{false};
   std::mutex mutex_;
   std::size_t done_ = 0, failed_ = 0;
 };
 
 }  // namespace
 
+namespace {
+
+// Why these options can't be meant; empty when they can.
+std::string contradiction(const Job3bOptions& options) {
+  const bool several = options.drawings.size() > 1;
+  if (several && !options.output.empty()) return "-o names one file; for several drawings use --out-dir";
+  if (several && (!options.save.empty() || !options.plot.empty()))
+    return std::string(options.save.empty() ? "--plot" : "--save") + " names one file; give one drawing";
+  std::map<std::string, std::string> writers;  // absolute path of a program: the drawing that it comes from
+  for (const auto& drawing : options.drawings) {
+    const std::string program = absolutePath(programFileOf(drawing, options));
+    const auto [other, first] = writers.emplace(program, drawing);
+    if (!first) return other->second + " and " + drawing + " would both be written to " + program;
+  }
+  for (const auto& drawing : options.drawings)
+    if (writers.contains(absolutePath(drawing))) return drawing + " would be overwritten by a program";
+  return {};
+}
+
+}  // namespace
+
 int run3b(const Job3bOptions& options) {
-  if (options.drawings.size() > 1 && !options.output.empty()) {
-    std::fprintf(stderr, "-o names one file; for several drawings use --out-dir\n");
+  if (const std::string why = contradiction(options); !why.empty()) {
+    std::fprintf(stderr, "%s\n", why.c_str());
     return kUsage;
   }
   return Batch(options).run();

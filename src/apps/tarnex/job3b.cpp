@@ -53,10 +53,16 @@ class Job3b {
  private:
   bool timed(const char* step, bool (Job3b::*what)()) {
     const double start = steadySeconds();
-    const bool done = (this->*what)();
+    bool done = (this->*what)();
+    if (result_.exitCode == kDone && session_.interrupted() && !programStands()) {
+      result_.interrupted = true;
+      done = fail(kFailed, result_.drawing + ": interrupted, no program was written");
+    }
     result_.seconds.emplace_back(step, steadySeconds() - start);
     return done;
   }
+
+  bool programStands() { return !session_.module().state<LastProgram3b>().path.empty(); }
 
   bool fail(int exitCode, std::string why) {
     result_.exitCode = exitCode;

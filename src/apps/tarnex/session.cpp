@@ -6,6 +6,26 @@
 
 namespace tarnex {
 
+namespace {
+
+// Lines until the user breaks in: what was meant as answers must not run as commands.
+class LinesUntilInterrupt : public InputSource {
+ public:
+  LinesUntilInterrupt(Session& session, const std::vector<std::string>& lines)
+      : session_(session), lines_(lines) {}
+  std::optional<std::string> next(const PromptShown&) override {
+    if (at_ >= lines_.size() || session_.interrupted()) return std::nullopt;
+    return lines_[at_++];
+  }
+
+ private:
+  Session& session_;
+  const std::vector<std::string> lines_;
+  std::size_t at_ = 0;
+};
+
+}  // namespace
+
 JobFolder::JobFolder(const std::string& installFolder) : path_(temporaryFolder("tarnex-job")) {
   for (const char* name : {"WireCut.set", "KZS", "Harbec.DLL", "Quillet.arx", "Brenlow.exe"}) {
     const std::string from = realPath(installFolder + "\\" + name);
@@ -31,8 +51,13 @@ Session::~Session() {
 
 bool Session::run(const std::vector<std::string>& lines) {
   script.insert(script.end(), lines.begin(), lines.end());
-  editor.pushInput(std::make_shared<QueueInput>(lines));
-  return editor.runLoop() == 0;
+  editor.pushInput(std::make_shared<LinesUntilInterrupt>(*this, lines));
+  return editor.runLoop() == 0 && !interrupted();
+}
+
+bool Session::interrupted() {
+  const auto* sink = dynamic_cast<const StringSink*>(&editor.sink());
+  return sink && sink->cancelled;
 }
 
 }  // namespace tarnex

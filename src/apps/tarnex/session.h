@@ -14,8 +14,12 @@ namespace tarnex {
 // Output kept in memory: what a batch says is told when its drawing is done.
 class StringSink : public OutputSink {
  public:
-  void print(std::string_view utf8) override { text += utf8; }
+  void print(std::string_view utf8) override {
+    text += utf8;
+    cancelled = cancelled || utf8.starts_with("*Cancel*");
+  }
   std::string text;
+  bool cancelled = false;  // the user broke in
 };
 
 // A folder of its own with copies of the user's settings and machine files, so that a job's values stay with
@@ -36,8 +40,10 @@ class Session {
  public:
   Session(std::unique_ptr<OutputSink> sink, const std::string& installFolder);
   ~Session();
-  // Runs lines as a script would give them; they are kept in `script`. False when a command failed.
+  // Runs lines as a script would give them; they are kept in `script`. False when a command failed. After an
+  // interrupt no line is run any more.
   bool run(const std::vector<std::string>& lines);
+  [[nodiscard]] bool interrupted();
   [[nodiscard]] AcDbDatabase& drawing() { return editor.database(); }
   [[nodiscard]] Module& module() { return application.module(); }
 

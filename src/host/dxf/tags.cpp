@@ -87,8 +87,11 @@ TagEncoding binaryEncoding(std::string_view bytes) {
   std::size_t at = kSignature.size();
   while (at < bytes.size() && (bytes[at] == '\r' || bytes[at] == '\n')) ++at;
   e.badSignature = bytes.substr(kSignature.size(), at - kSignature.size()) != "\r\n";
-  if (at < bytes.size() && bytes[at] == '\x1a') ++at;
-  if (at < bytes.size() && bytes[at] == '\0') ++at;
+  const bool mark = at < bytes.size() && bytes[at] == '\x1a';
+  if (mark) ++at;
+  // Without its mark the signature's zero is known only before the two zeros of a first tag.
+  const bool zero = at < bytes.size() && bytes[at] == '\0';
+  if (zero && (mark || bytes.substr(at, 3) == std::string_view("\0\0\0", 3))) ++at;
   e.start = at;
   // The first tag is 0 SECTION: its code is one zero byte or two.
   e.form = at + 1 < bytes.size() && bytes[at + 1] == '\0' ? TagForm::kBinaryNew : TagForm::kBinaryOld;

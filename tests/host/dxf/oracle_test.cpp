@@ -1,5 +1,6 @@
 // Our files before another reader: drawings that it made are read, changed and written, and judged by it.
 #include <algorithm>
+#include <filesystem>
 #include <sstream>
 
 #include "host/dxf/drawings.h"
@@ -25,6 +26,9 @@ class DxfOracle : public testing::Test {
     const auto code = runProcess({kPython, "-c", "import ezdxf"}, nullptr);
     if (code != 0) GTEST_SKIP() << "python3-ezdxf isn't installed: nothing here can be judged";
     folder_ = temporaryFolder("dxf-oracle");
+  }
+  void TearDown() override {
+    if (!folder_.empty()) std::filesystem::remove_all(folder_);
   }
   std::string ask(std::vector<std::string> words) {
     words.insert(words.begin(), {kPython, "-B", TARNEX_SOURCE_DIR "/tests/host/dxf/oracle.py"});

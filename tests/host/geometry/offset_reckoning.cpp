@@ -13,24 +13,27 @@ using ClipperLib::Path;
 using ClipperLib::Paths;
 using Points = std::vector<AcGePoint2d>;
 
-// Centre, radius, first angle and sweep of a bulged span.
+// Centre, radius, first angle and sweep of a bulged span. In long double, since a flat span has a radius of
+// many times its length.
 struct Circle {
-  AcGePoint2d centre;
-  double radius, from, sweep;
+  long double x, y, radius, from, sweep;
+  [[nodiscard]] AcGePoint2d centre() const { return {double(x), double(y)}; }
+  [[nodiscard]] long double distanceTo(AcGePoint2d p) const { return std::hypot(p.x - x, p.y - y); }
 };
 
 Circle circleOf(AcGePoint2d a, AcGePoint2d b, double bulge) {
-  const double sweep = 4 * std::atan(bulge), chord = a.distanceTo(b);
-  const double radius = chord / 2 / std::sin(std::abs(sweep) / 2);
-  const double rise = radius * std::cos(sweep / 2) * (bulge > 0 ? 1 : -1);
-  const AcGePoint2d mid{(a.x + b.x) / 2, (a.y + b.y) / 2};
-  const AcGePoint2d centre{mid.x - (b.y - a.y) / chord * rise, mid.y + (b.x - a.x) / chord * rise};
-  return {centre, radius, std::atan2(a.y - centre.y, a.x - centre.x), sweep};
+  const long double dx = (long double)b.x - a.x, dy = (long double)b.y - a.y, chord = std::hypot(dx, dy);
+  const long double sweep = 4 * std::atan((long double)bulge);
+  const long double radius = chord / 2 / std::sin(std::abs(sweep) / 2);
+  const long double rise = radius * std::cos(sweep / 2) * (bulge > 0 ? 1 : -1) / chord;
+  const long double x = ((long double)a.x + b.x) / 2 - dy * rise,
+                    y = ((long double)a.y + b.y) / 2 + dx * rise;
+  return {x, y, radius, std::atan2(a.y - y, a.x - x), sweep};
 }
 
-AcGePoint2d onCircle(const Circle& c, double radius, double part) {
-  const double w = c.from + part * c.sweep;
-  return {c.centre.x + radius * std::cos(w), c.centre.y + radius * std::sin(w)};
+AcGePoint2d onCircle(const Circle& c, long double radius, double part) {
+  const long double w = c.from + part * c.sweep;
+  return {double(c.x + radius * std::cos(w)), double(c.y + radius * std::sin(w))};
 }
 
 int stepsFor(double radius, double sweep, double sagitta) {
@@ -53,10 +56,11 @@ double spanDistance(AcGePoint2d a, AcGePoint2d b, double bulge, AcGePoint2d p) {
     return std::abs((b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x)) / std::sqrt(l2);
   }
   const Circle c = circleOf(a, b, bulge);
-  double turn = (std::atan2(p.y - c.centre.y, p.x - c.centre.x) - c.from) * (bulge > 0 ? 1 : -1);
-  while (turn < 0) turn += 2 * kPi;
-  while (turn > 2 * kPi) turn -= 2 * kPi;
-  return turn <= std::abs(c.sweep) ? std::min(ends, std::abs(c.centre.distanceTo(p) - c.radius)) : ends;
+  const long double whole = 2 * std::acos(-1.0L);
+  long double turn = (std::atan2(p.y - c.y, p.x - c.x) - c.from) * (bulge > 0 ? 1 : -1);
+  while (turn < 0) turn += whole;
+  while (turn > whole) turn -= whole;
+  return turn <= std::abs(c.sweep) ? std::min(ends, double(std::abs(c.distanceTo(p) - c.radius))) : ends;
 }
 
 Points flat(const Outline& path, double sagitta) {
@@ -66,7 +70,7 @@ Points flat(const Outline& path, double sagitta) {
     int steps = 1;
     if (b != 0) {
       const Circle c = circleOf(path[i].point, path[i + 1].point, b);
-      steps = stepsFor(c.radius, c.sweep, sagitta);
+      steps = stepsFor(double(c.radius), double(c.sweep), sagitta);
     }
     for (int k = 0; k < steps; ++k)
       out.push_back(along(path[i].point, path[i + 1].point, b, double(k) / steps));
@@ -102,8 +106,8 @@ Ray extension(AcGePoint2d a, AcGePoint2d b, double bulge, double d, bool forward
   }
   const Circle c = circleOf(a, b, bulge);
   r.line = false;
-  r.centre = c.centre;
-  r.radius = c.radius - (bulge > 0 ? d : -d);
+  r.centre = c.centre();
+  r.radius = double(c.radius) - (bulge > 0 ? d : -d);
   r.turn = (bulge > 0) == forward ? 1 : -1;
   r.at = onCircle(c, r.radius, forward ? 1 : 0);
   return r;
@@ -141,8 +145,8 @@ Points stripOf(AcGePoint2d a, AcGePoint2d b, double bulge, double d, double sagi
     return {a, b, b + n, a + n};
   }
   const Circle c = circleOf(a, b, bulge);
-  const double other = std::max(0.0, c.radius - (bulge > 0 ? d : -d));
-  const int steps = stepsFor(std::max(c.radius, other), c.sweep, sagitta);
+  const double radius = double(c.radius), other = std::max(0.0, radius - (bulge > 0 ? d : -d));
+  const int steps = stepsFor(std::max(radius, other), double(c.sweep), sagitta);
   Points p;
   for (int k = 0; k <= steps; ++k) p.push_back(onCircle(c, c.radius, double(k) / steps));
   for (int k = steps; k >= 0; --k) p.push_back(onCircle(c, other, double(k) / steps));

@@ -1,0 +1,15 @@
+// What the running program has taken of the machine.
+// Knows the system's counters alone.
+#include "host/platform/usage.h"
+
+#include <sys/resource.h>
+
+namespace tarnex {
+
+std::size_t peakMemory() {
+  rusage usage{};
+  if (getrusage(RUSAGE_SELF, &usage) != 0) return 0;
+  return static_cast<std::size_t>(usage.ru_maxrss) * 1024;  // the system counts in kilobytes
+}
+
+}  // namespace tarnex
