@@ -205,9 +205,9 @@ class Judge {
     const Sample &f = samples_[s.first], &l = samples_[s.last];
     const Point a = at(m_.outline.span(f.span), f.t), b = at(m_.outline.span(l.span), l.t);
     const std::string others =
-        all.size() < 2 ? std::string() : say("; so with %zu shorter stretches", all.size() - 1);
-    auto text = say("figure %d: %.4f mm of its contour from (%.4f, %.4f) to (%.4f, %.4f): %s%s",
-                    m_.figure.number, s.length, a.x, a.y, b.x, b.y, what, others.c_str());
+        all.size() < 2 ? std::string() : formatted("; so with %zu shorter stretches", all.size() - 1);
+    auto text = formatted("figure %d: %.4f mm of its contour from (%.4f, %.4f) to (%.4f, %.4f): %s%s",
+                          m_.figure.number, s.length, a.x, a.y, b.x, b.y, what, others.c_str());
     // The block that is nearest: where to look in the program.
     const Step* near = &m_.path.steps.front();
     for (const Step& step : m_.path.steps)

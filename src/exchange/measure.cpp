@@ -56,8 +56,8 @@ struct Tally {
   // " ; N blocks in all, ..." for the end of a sentence about the first.
   [[nodiscard]] std::string more() const {
     if (steps < 2) return "";
-    return say("; so do %zu more blocks, at worst block %lld by %.4f mm at (%.4f, %.4f)", steps - 1,
-               number(*most.step), most.value, most.at.x, most.at.y);
+    return formatted("; so do %zu more blocks, at worst block %lld by %.4f mm at (%.4f, %.4f)", steps - 1,
+                     number(*most.step), most.value, most.at.x, most.at.y);
   }
 
  private:
@@ -176,8 +176,8 @@ Closest nearestApproach(const Outline& o, const Stroke& s) {
 bool tellCrossing(Measuring& m, const Step& s, const Closest& c) {
   if (c.distance > 0 || m.outline.compensation <= s.allowed()) return false;
   m.findings.fault(FindingKind::kLeadIn, m.at(s, c.onFirst),
-                   say("block %lld: %s crosses its contour at (%.4f, %.4f)", number(s), roleName(s.role),
-                       c.onFirst.x, c.onFirst.y));
+                   formatted("block %lld: %s crosses its contour at (%.4f, %.4f)", number(s),
+                             roleName(s.role), c.onFirst.x, c.onFirst.y));
   return true;
 }
 
@@ -232,7 +232,8 @@ void tellTooNear(Measuring& m, const Tally& t) {
   const auto& [step, p, value] = t.first;
   m.findings.fault(
       FindingKind::kTooNear, m.at(*step, p),
-      say("block %lld: at (%.4f, %.4f) %s comes to %.4f mm of the contour of figure %d, %.4f mm nearer than "
+      formatted(
+          "block %lld: at (%.4f, %.4f) %s comes to %.4f mm of the contour of figure %d, %.4f mm nearer than "
           "the compensation of %.4f mm; rounding explains %.4f mm%s",
           number(*step), p.x, p.y, roleName(step->role), c - value, m.figure.number, value, c, step->towards,
           t.more().c_str()));
@@ -243,7 +244,8 @@ void tellTooFar(Measuring& m, const Tally& t) {
   const auto& [step, p, value] = t.first;
   m.findings.fault(
       FindingKind::kTooFar, m.at(*step, p),
-      say("block %lld: at (%.4f, %.4f) the wire runs %.4f mm farther from the contour of figure %d than the "
+      formatted(
+          "block %lld: at (%.4f, %.4f) the wire runs %.4f mm farther from the contour of figure %d than the "
           "compensation of %.4f mm; rounding explains %.4f mm%s",
           number(*step), p.x, p.y, value, m.figure.number, m.outline.compensation, step->away,
           t.more().c_str()));
@@ -261,13 +263,13 @@ void findSideAndDirection(Measuring& m) {
   if (tells && m.wantedSide != Side::kEither && m.report.side != m.wantedSide)
     m.findings.fault(
         FindingKind::kSide, m.at(s, p),
-        say("block %lld: at (%.4f, %.4f) the wire runs %s of the contour of figure %d, not %s", number(s),
-            p.x, p.y, sideName(m.report.side), m.figure.number, sideName(m.wantedSide)));
+        formatted("block %lld: at (%.4f, %.4f) the wire runs %s of the contour of figure %d, not %s",
+                  number(s), p.x, p.y, sideName(m.report.side), m.figure.number, sideName(m.wantedSide)));
   const bool turns = m.report.direction != Direction::kEither && m.figure.direction != Direction::kEither;
   if (turns && m.report.direction != m.figure.direction)
     m.findings.fault(FindingKind::kDirection, m.at(s, p),
-                     say("block %lld: figure %d is cut %s, not %s", number(s), m.figure.number,
-                         directionName(m.report.direction), directionName(m.figure.direction)));
+                     formatted("block %lld: figure %d is cut %s, not %s", number(s), m.figure.number,
+                               directionName(m.report.direction), directionName(m.figure.direction)));
 }
 
 void measureDistances(Measuring& m) {
@@ -301,7 +303,8 @@ void measureEnds(Measuring& m) {
   if (m.report.closingError > kAllowance + m.path.rounding) {
     m.findings.fault(
         FindingKind::kClosing, m.at(last, m.path.end()),
-        say("block %lld: the path of figure %d ends at (%.4f, %.4f), %.4f mm from where it began; rounding "
+        formatted(
+            "block %lld: the path of figure %d ends at (%.4f, %.4f), %.4f mm from where it began; rounding "
             "explains %.4f mm",
             number(last), m.figure.number, m.path.end().x, m.path.end().y, m.report.closingError,
             m.path.rounding));
@@ -317,7 +320,8 @@ void measureEnds(Measuring& m) {
   if (past <= m.expected.overcut + allowed || dist(in.point, out.point) <= allowed) return;
   m.findings.fault(
       FindingKind::kUnexplained, m.at(last, exit),
-      say("block %lld: the wire leaves the contour of figure %d at (%.4f, %.4f), %.4f mm past its entry; "
+      formatted(
+          "block %lld: the wire leaves the contour of figure %d at (%.4f, %.4f), %.4f mm past its entry; "
           "an overcut of %.4f mm was expected",
           number(last), m.figure.number, exit.x, exit.y, past, m.expected.overcut));
 }

@@ -67,15 +67,15 @@ void tellBlock(const WalkFrom& from, const Step& s, const Walked& w) {
   const Findings::Place place{from.figure, s.line, s.stroke.start};
   if (!w.contradiction.empty())
     from.findings->fault(FindingKind::kContradiction, place,
-                         say("block %lld: %s", block, w.contradiction.c_str()));
+                         formatted("block %lld: %s", block, w.contradiction.c_str()));
   if (!s.line->move.printed) return;
   const Point printed = *s.line->move.printed + (from.origin - Point{0, 0});
   const double off = dist(printed, s.stroke.start);
   if (off > kAllowance + s.before)
     from.findings->fault(
         FindingKind::kCoordinates, place,
-        say("block %lld: the printed place (%.4f, %.4f) is %.4f mm from where the wire stands", block,
-            printed.x, printed.y, off));
+        formatted("block %lld: the printed place (%.4f, %.4f) is %.4f mm from where the wire stands", block,
+                  printed.x, printed.y, off));
 }
 
 void chooseSide(const WalkFrom& from, Step& s, Walked& w) {
@@ -86,9 +86,9 @@ void chooseSide(const WalkFrom& from, Step& s, Walked& w) {
   if (from.findings)
     from.findings->note(
         FindingKind::kAxisWord, {from.figure, s.line, s.stroke.start},
-        say("block %lld: the arc starts just before an axis and has the word of the quadrant behind "
-            "it; a controller that takes the word as it stands runs up to %.4f mm off",
-            static_cast<long long>(s.line->number), off));
+        formatted("block %lld: the arc starts just before an axis and has the word of the quadrant behind "
+                  "it; a controller that takes the word as it stands runs up to %.4f mm off",
+                  static_cast<long long>(s.line->number), off));
   s.stroke = other;
   w.contradiction = w.otherContradiction;
 }
@@ -122,9 +122,9 @@ void giveSpikes(Measuring& m) {
                m.outline.compensation) {
       m.findings.fault(
           FindingKind::kUnexplained, m.at(steps[i], steps[i].stroke.end),
-          say("block %lld: a step of %.4f mm out to (%.4f, %.4f) and back that no option explains",
-              static_cast<long long>(steps[i].line->number), way.length(), steps[i].stroke.end.x,
-              steps[i].stroke.end.y));
+          formatted("block %lld: a step of %.4f mm out to (%.4f, %.4f) and back that no option explains",
+                    static_cast<long long>(steps[i].line->number), way.length(), steps[i].stroke.end.x,
+                    steps[i].stroke.end.y));
       steps[i].role = steps[i + 1].role = Role::kSpike;
     }
     ++i;
@@ -132,15 +132,6 @@ void giveSpikes(Measuring& m) {
 }
 
 }  // namespace
-
-std::string say(const char* format, ...) {
-  char buffer[512];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(buffer, sizeof buffer, format, args);
-  va_end(args);
-  return buffer;
-}
 
 void Findings::add(FindingKind kind, Grade grade, const Place& where, std::string sentence) {
   ++(grade == Grade::kFault ? report_.faults : report_.notes);

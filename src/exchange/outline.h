@@ -9,6 +9,7 @@
 #include "exchange/reader3b.h"
 #include "exchange/truth.h"
 #include "exchange/walk3b.h"
+#include "host/platform/format.h"
 
 namespace tarnex::truth {
 
@@ -73,9 +74,6 @@ class Findings {
   void add(FindingKind kind, Grade grade, const Place& where, std::string sentence);
   Report& report_;
 };
-
-// printf into a string; only with formats that stand in the code.
-[[nodiscard]] __attribute__((format(printf, 1, 2))) std::string say(const char* format, ...);
 
 // Everything that measuring one path needs to know, and where it writes.
 struct Measuring {

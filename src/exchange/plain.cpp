@@ -164,9 +164,10 @@ class PlainRun {
     const WirePath raw = walkLines(lines.first, lines.last, {here_, {}, nullptr, nullptr, 0, 0});
     const auto f = figureBeside(raw);
     if (!f) {
-      job_.findings.fault(FindingKind::kUnknownCut, {0, lines.first, here_},
-                          say("blocks %lld to %lld from (%.4f, %.4f) on run beside none of the contours",
-                              sections_[i].number(), sections_[end - 1].lastNumber(), here_.x, here_.y));
+      job_.findings.fault(
+          FindingKind::kUnknownCut, {0, lines.first, here_},
+          formatted("blocks %lld to %lld from (%.4f, %.4f) on run beside none of the contours",
+                    sections_[i].number(), sections_[end - 1].lastNumber(), here_.x, here_.y));
       here_ = here_ + (raw.end() - raw.start());
       return end;
     }
@@ -177,8 +178,9 @@ class PlainRun {
   void measure(std::size_t f, Lines lines, const WirePath& raw) {
     const auto number = static_cast<long long>(lines.first->number);
     if (used_[f])
-      job_.findings.fault(FindingKind::kUnknownCut, {job_.figures[f].number, lines.first, here_},
-                          say("block %lld: figure %d is cut once more", number, job_.figures[f].number));
+      job_.findings.fault(
+          FindingKind::kUnknownCut, {job_.figures[f].number, lines.first, here_},
+          formatted("block %lld: figure %d is cut once more", number, job_.figures[f].number));
     used_[f] = true;
     // Walked again: the contour says how starts near an axis are meant.
     const Outline& outline = *job_.outlines[f];
@@ -187,8 +189,8 @@ class PlainRun {
     const double unsure = std::min(raw.rounding, kFitUnsure * std::sqrt(double(raw.blocks)));
     if (drift.length() > kAllowance + loose_ + unsure)
       job_.findings.fault(FindingKind::kStart, {job_.figures[f].number, lines.first, here_},
-                          say("block %lld: the whole path of figure %d lies %.4f mm (%.4f, %.4f) off", number,
-                              job_.figures[f].number, drift.length(), drift.x, drift.y));
+                          formatted("block %lld: the whole path of figure %d lies %.4f mm (%.4f, %.4f) off",
+                                    number, job_.figures[f].number, drift.length(), drift.x, drift.y));
     here_ = here_ - drift;
     job_.measure(f, lines, here_, unsure);
     job_.report.paths.back().placing = drift.length();

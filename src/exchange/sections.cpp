@@ -50,7 +50,7 @@ Job::Job(const std::vector<Figure>& figures_, const Expected& expected_, Report&
       outlines.back().reset(), refusal = "it has no threading point";
     if (!outlines.back())
       findings.fault(FindingKind::kNotCut, {f.number, nullptr, {}},
-                     say("figure %d can't be checked: %s", f.number, refusal.c_str()));
+                     formatted("figure %d can't be checked: %s", f.number, refusal.c_str()));
   }
 }
 
@@ -77,7 +77,7 @@ WirePath Job::measure(std::size_t f, Lines lines, Point start, double unsure) {
 }
 
 void Job::tellNotCut(std::size_t f) {
-  const auto sentence = say("figure %d isn't cut by the program", figures[f].number);
+  const auto sentence = formatted("figure %d isn't cut by the program", figures[f].number);
   if (expected.allFigures)
     findings.fault(FindingKind::kNotCut, {figures[f].number, nullptr, {}}, sentence);
   else

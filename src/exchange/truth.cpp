@@ -112,8 +112,9 @@ class ThreadedRun {
     job_.findings.fault(
         cutAny_ ? FindingKind::kLink : FindingKind::kStart,
         {job_.figures[f].number, sections_[i].first, here_},
-        say("block %lld: figure %d: %s (%.4f, %.4f), %.4f mm from the threading point (%.4f, %.4f)",
-            sections_[i].number(), job_.figures[f].number, what, here_.x, here_.y, dist(here_, t), t.x, t.y));
+        formatted("block %lld: figure %d: %s (%.4f, %.4f), %.4f mm from the threading point (%.4f, %.4f)",
+                  sections_[i].number(), job_.figures[f].number, what, here_.x, here_.y, dist(here_, t), t.x,
+                  t.y));
   }
   [[nodiscard]] bool leadsToAnother(std::size_t section, Point from) const {
     const Section& s = sections_[section];
@@ -161,8 +162,8 @@ class ThreadedRun {
     const bool over = !expected();
     if (over && !s.single())
       job_.findings.fault(FindingKind::kUnknownCut, {0, s.first, here_},
-                          say("blocks %lld to %lld from (%.4f, %.4f) on cut none of the figures", s.number(),
-                              s.lastNumber(), here_.x, here_.y));
+                          formatted("blocks %lld to %lld from (%.4f, %.4f) on cut none of the figures",
+                                    s.number(), s.lastNumber(), here_.x, here_.y));
     here_ = here_ + s.way;
     walked_ = walked_ + s.way;
     loose_ += s.rounding + s.loose;
@@ -178,8 +179,8 @@ class ThreadedRun {
       if (k < ends.size() && dist(ends[k], place) <= kAllowance + loose_) continue;
       job_.findings.fault(
           FindingKind::kUnexplained, {0, section->first, place},
-          say("block %lld: a move to (%.4f, %.4f) behind the last path that no end point explains",
-              section->number(), place.x, place.y));
+          formatted("block %lld: a move to (%.4f, %.4f) behind the last path that no end point explains",
+                    section->number(), place.x, place.y));
     }
   }
 
@@ -202,13 +203,14 @@ void tellPauses(const ProgramLines& program, const Expected& expected, Findings&
     if (lines[i].kind == LineKind::kPause && !expected.pauseText.empty() &&
         lines[i].text != expected.pauseText)
       findings.fault(FindingKind::kUnexplained, {0, &lines[i], {}},
-                     say("line %d: \"%.40s\" stands where only the pause \"%.40s\" may", lines[i].line,
-                         lines[i].text.c_str(), expected.pauseText.c_str()));
+                     formatted("line %d: \"%.40s\" stands where only the pause \"%.40s\" may", lines[i].line,
+                               lines[i].text.c_str(), expected.pauseText.c_str()));
   const bool stopped =
       !lines.empty() && lines.back().kind == LineKind::kPause && lines.back().text == expected.stopText;
   if (!stopped)
-    findings.fault(FindingKind::kStopMissing, {0, lines.empty() ? nullptr : &lines.back(), {}},
-                   say("the program doesn't end with the stop line \"%.40s\"", expected.stopText.c_str()));
+    findings.fault(
+        FindingKind::kStopMissing, {0, lines.empty() ? nullptr : &lines.back(), {}},
+        formatted("the program doesn't end with the stop line \"%.40s\"", expected.stopText.c_str()));
 }
 
 void tellLines(const ProgramLines& program, Report& report, Findings& findings) {
@@ -216,13 +218,13 @@ void tellLines(const ProgramLines& program, Report& report, Findings& findings) 
   for (const Line3b& line : program.lines) {
     if (line.kind == LineKind::kUnreadable)
       findings.fault(FindingKind::kUnreadable, {0, &line, {}},
-                     say("line %d can't be read: %s", line.line, line.text.c_str()));
+                     formatted("line %d can't be read: %s", line.line, line.text.c_str()));
     if (line.kind == LineKind::kPause || (line.kind == LineKind::kUnreadable && line.number == 0)) continue;
     ++report.blocks;
     if (line.number != next)
       findings.fault(FindingKind::kNumbering, {0, &line, {}},
-                     say("line %d: block number %lld stands where %lld should", line.line,
-                         static_cast<long long>(line.number), static_cast<long long>(next)));
+                     formatted("line %d: block number %lld stands where %lld should", line.line,
+                               static_cast<long long>(line.number), static_cast<long long>(next)));
     next = line.number + 1;
   }
 }

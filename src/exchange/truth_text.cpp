@@ -19,8 +19,8 @@ const char* directionText(Direction d) {
 }
 std::string worstText(const Worst& w) {
   if (w.block == 0) return "none";
-  return say("%.4f mm at (%.3f, %.3f) block %lld", std::max(0.0, w.value), w.at.x, w.at.y,
-             static_cast<long long>(w.block));
+  return formatted("%.4f mm at (%.3f, %.3f) block %lld", std::max(0.0, w.value), w.at.x, w.at.y,
+                   static_cast<long long>(w.block));
 }
 
 }  // namespace
@@ -36,22 +36,23 @@ const char* nameOf(FindingKind kind) {
 std::vector<std::string> describe(const Report& report) {
   std::vector<std::string> out;
   out.push_back(
-      say("%s: %zu blocks, %zu paths, %zu faults, %zu notes; one arc's rounding added up to %.4f mm",
-          report.ok ? "ok" : "not ok", report.blocks, report.paths.size(), report.faults, report.notes,
-          report.worstArcRounding));
+      formatted("%s: %zu blocks, %zu paths, %zu faults, %zu notes; one arc's rounding added up to %.4f mm",
+                report.ok ? "ok" : "not ok", report.blocks, report.paths.size(), report.faults, report.notes,
+                report.worstArcRounding));
   for (const PathReport& p : report.paths) {
     out.push_back(
-        say("path of figure %d: blocks %lld to %lld (%zu), %s, %s; too near by %s; too far by %s; "
-            "closes to %.4f mm, placed to %.4f mm, rounding up to %.4f mm",
-            p.figure, static_cast<long long>(p.firstBlock), static_cast<long long>(p.lastBlock), p.blocks,
-            sideText(p.side), directionText(p.direction), worstText(p.shortfall).c_str(),
-            worstText(p.excess).c_str(), p.closingError, p.placing, p.rounding));
-    if (p.uncovered > 0) out.push_back(say("  %.4f mm of contour have no wire beside them", p.uncovered));
+        formatted("path of figure %d: blocks %lld to %lld (%zu), %s, %s; too near by %s; too far by %s; "
+                  "closes to %.4f mm, placed to %.4f mm, rounding up to %.4f mm",
+                  p.figure, static_cast<long long>(p.firstBlock), static_cast<long long>(p.lastBlock),
+                  p.blocks, sideText(p.side), directionText(p.direction), worstText(p.shortfall).c_str(),
+                  worstText(p.excess).c_str(), p.closingError, p.placing, p.rounding));
+    if (p.uncovered > 0)
+      out.push_back(formatted("  %.4f mm of contour have no wire beside them", p.uncovered));
   }
   for (const Finding& f : report.findings)
     out.push_back((f.grade == Grade::kFault ? "fault: " : "note: ") + f.text);
   const std::size_t told = report.findings.size(), all = report.faults + report.notes;
-  if (all > told) out.push_back(say("and %zu more", all - told));
+  if (all > told) out.push_back(formatted("and %zu more", all - told));
   return out;
 }
 

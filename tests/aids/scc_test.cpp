@@ -13,6 +13,7 @@ class Scc : public ModuleTest {
  protected:
   Scc() {
     EXPECT_TRUE(session.ed.acedSetVar("CMDDIA", 0LL));
+    module->loadSettings();  // as at start-up
     auto& s = module->settings;
     s.bDupPoint = s.bDupCurve = s.bFoldCurves = 1;
     s.dDupTol = 0.5;
@@ -38,7 +39,7 @@ class Scc : public ModuleTest {
 TEST_F(Scc, ErasesWhatIsSmallFoldsWhatIsDoubledAndCounts) {
   const std::string out = run();
   EXPECT_EQ(session.all(), (std::vector{limit, circle, polyline}));
-  EXPECT_THAT(out, testing::EndsWith("\n" + module->message(274, {4LL})));
+  EXPECT_THAT(out, testing::EndsWith("}" + module->message(274, {4LL})));
 }
 
 TEST_F(Scc, EachOptionOnItsOwn) {

@@ -2,6 +2,8 @@
 // Knows the drawing; no path.
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <iostream>
 #include <random>
 
 #include "contour/chaining.h"
@@ -246,6 +248,37 @@ TEST_F(Join, TakesTheSameCurvesInTheSameOrderAsAScan) {
   }
   EXPECT_GT(closedOnes, 20);
   EXPECT_GT(longest, 12);
+}
+
+TEST_F(Join, TimesWithTheDrawing) {
+  if (!environment("TARNEX_LONG")) GTEST_SKIP() << "TARNEX_LONG=1 measures 12000 lines";
+  // 12000 lines in random order: first as one contour, then as 3000 squares.
+  for (int perContour : {12000, 4}) {
+    Session s;
+    std::vector<std::pair<AcGePoint2d, AcGePoint2d>> lines;
+    for (int c = 0; c < 12000 / perContour; ++c) {
+      const AcGePoint2d centre{3.0 * (c % 60), 3.0 * (c / 60)};
+      const double radius = perContour == 4 ? 1 : 500, step = 2 * kPi / perContour;
+      for (int i = 0; i < perContour; ++i)
+        lines.push_back({acutPolar(centre, i * step, radius), acutPolar(centre, (i + 1) * step, radius)});
+    }
+    std::shuffle(lines.begin(), lines.end(), std::mt19937(4));
+    for (const auto& l : lines) s.line(l.first, l.second);
+    const auto begin = std::chrono::steady_clock::now();
+    ChainCandidates candidates;
+    collectChainCandidates(s.ed, s.all(), candidates);
+    int closed = 0;
+    while (!candidates.first().isNull()) {
+      const AcDbObjectId seed = candidates.first();
+      candidates.remove(seed);
+      const auto made = joinCurves(s.ed, seed, candidates, 0.001);
+      closed += made && polylineOf(s, *made).closed;
+    }
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    std::cout << "12000 lines joined into " << closed << " contours in " << seconds << " s\n";
+    EXPECT_EQ(closed, 12000 / perContour);
+    EXPECT_LT(seconds, 10);
+  }
 }
 
 }  // namespace

@@ -53,7 +53,7 @@ class Contour3b : public testing::Test {
     for (std::size_t at = 1; at < program.text.size();) {
       const std::size_t end = std::min(program.text.find('\n', at), program.text.size());
       lines.push_back(program.text.substr(at, end - at));
-      if (lines.back().size() > 7) lines.back().erase(0, 7);
+      if (lines.back().size() >= 7) lines.back().erase(0, 7);
       at = end + 1;
     }
     return lines;

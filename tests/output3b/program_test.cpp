@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "contour/hosthelpers.h"
 #include "frame/drawingvars.h"
 #include "support/bytes.h"
 #include "support/modulefixture.h"
@@ -183,16 +184,15 @@ TEST_F(Program, ANameThatIsAskedForStartsFromTheLastOne) {
   EXPECT_FALSE(write3BProgram(*module, ""));
 }
 
-TEST_F(Program, WhatCannotBeWrittenLeavesTheOldFileAndFails) {
+TEST_F(Program, WhatCannotBeWrittenFailsTheCommand) {
   hole(0, 1);
-  write("part.3b", "the old one");
-  std::filesystem::permissions(folder + "/part.3b", std::filesystem::perms::owner_read);
+  write("part.3b/old", "a folder of that name");
   session.ed.addCommand(
       {"TEST", "WRITE", "WRITE", ACRX_CMD_MODAL, [&] { EXPECT_FALSE(write3BProgram(*module, "")); }, ""});
   session.run({"WRITE", ""});
   EXPECT_EQ(session.status, 1);
   EXPECT_THAT(session.out, HasSubstr("not written\n" + folder + "/part.3b"));
-  EXPECT_EQ(read("part.3b"), "the old one");
+  EXPECT_EQ(read("part.3b/old"), "a folder of that name");
   EXPECT_EQ(module->state<LastProgram3b>().path, "");
 }
 

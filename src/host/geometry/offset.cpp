@@ -2,6 +2,8 @@
 // Knows spans and bulges only; lead-ins, sides and passes are above it.
 #include "host/geometry/offset.h"
 
+#include <algorithm>
+
 #include "host/geometry/offset_plain.h"
 #include "host/geometry/offset_trim.h"
 
@@ -11,6 +13,13 @@ namespace {
 
 void moveTo(PolylineCurve& c, AcGeVector2d origin) {
   for (BulgeVertex& v : c.vertices) v.point = v.point + origin;
+  // Far from the drawing's zero two vertices may round to one.
+  const auto last =
+      std::unique(c.vertices.rbegin(), c.vertices.rend(),
+                  [](const BulgeVertex& kept, const BulgeVertex& v) { return kept.point == v.point; });
+  c.vertices.erase(c.vertices.begin(), last.base());
+  if (c.closed && c.vertices.size() > 1 && c.vertices.front().point == c.vertices.back().point)
+    c.vertices.pop_back();
 }
 
 }  // namespace

@@ -89,9 +89,9 @@ bool Cover::farEnough(Vec p, double slack) const {
                        [&](std::size_t i) { return distanceTo(s_.spans[i], p) >= least; });
 }
 
-bool Cover::nearNeighbours(Vec p, std::size_t span) const {
+bool Cover::nearNeighbours(Vec p, std::size_t span, double slack) const {
   for (std::size_t i = span > 1 ? span - 2 : 0; i < std::min(span + 3, s_.spans.size()); ++i)
-    if (distanceTo(s_.spans[i], p) < std::abs(distance_)) return true;
+    if (distanceTo(s_.spans[i], p) < std::abs(distance_) - slack) return true;
   return false;
 }
 

@@ -23,8 +23,8 @@ class Cover {
 
   // No span is nearer to p than the distance less `slack` mm.
   [[nodiscard]] bool farEnough(Vec p, double slack) const;
-  // One of the few spans about `span` is so near to p: told without a search.
-  [[nodiscard]] bool nearNeighbours(Vec p, std::size_t span) const;
+  // One of the few spans about `span` is nearer than that: told without a search.
+  [[nodiscard]] bool nearNeighbours(Vec p, std::size_t span, double slack) const;
   // p lies on no mitre.
   [[nodiscard]] bool offMitres(Vec p) const;
   // Winding number of a closed path about p isn't 0.

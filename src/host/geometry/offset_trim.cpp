@@ -15,6 +15,7 @@ namespace {
 constexpr double kSnaps[] = {8, 64, 512};  // tolerances within which places are one
 constexpr double kRoundings = 16;          // of one coordinate that a result adds up
 constexpr double kSlack = 12;              // tolerances by which a result may be too near to its path
+constexpr double kNarrow = 8;              // snaps within which a refusal is a narrow one
 constexpr double kProbe = 2;               // snaps: what is narrower than this is no ground to walk on
 
 struct Measures {
@@ -54,24 +55,49 @@ class Trimming {
     return a_.edges[best];
   }
 
-  // Asked at two places, so that a chance contact at one of them is noticed; nothing when they differ.
+  // Asked at two places, so that a chance contact at one of them is noticed; nothing when places differ.
   [[nodiscard]] std::optional<bool> isFree(const Chain& c) const {
     const Edge& e = longest(c);
     if (c.count == 1 && sizeOf(e.piece.end - e.piece.start) <= snap_ && c.from == c.to) return false;
     const bool free = isFreeAt(e, 0.381);
-    return free == isFreeAt(e, 0.724) ? std::optional(free) : std::nullopt;
+    if (free != isFreeAt(e, 0.724)) return std::nullopt;
+    if (!free && (narrowlyRefused(e, 0.381) || narrowlyRefused(e, 0.724)) && freeSomewhere(c))
+      return std::nullopt;
+    return free;
   }
 
   // Asked a little beyond the edge, away from the path: chains that lie upon each other there see each other.
-  [[nodiscard]] bool isFreeAt(const Edge& e, double part) const {
+  [[nodiscard]] Vec probe(const Edge& e, double part) const {
     const Vec m = pointAt(e.piece, part);
-    const Vec p = m + normalAt(e.piece, m) * std::copysign(kProbe * snap_, distance_);
+    return m + normalAt(e.piece, m) * std::copysign(kProbe * snap_, distance_);
+  }
+
+  [[nodiscard]] bool isFreeAt(const Edge& e, double part) const {
+    const Vec p = probe(e, part);
     const std::size_t span = a_.strands[e.strand].span;
-    if (span != kNoSpan && cover_.nearNeighbours(p, span)) return false;
+    if (span != kNoSpan && cover_.nearNeighbours(p, span, 0)) return false;
     if (!cover_.farEnough(p, 0) || !cover_.offMitres(p)) return false;
     if (!closed_) return true;
-    if (!alwaysAskSide_ && span != kNoSpan && abeam(cover_.source().spans[span], m)) return true;
-    return cover_.insidePath(p) == inwards();
+    const bool ownGround = span != kNoSpan && abeam(cover_.source().spans[span], pointAt(e.piece, part));
+    return (ownGround && !alwaysAskSide_) || cover_.insidePath(p) == inwards();
+  }
+
+  // Refused by so little that it may be a throat, narrow but open, on the way between wider ground.
+  [[nodiscard]] bool narrowlyRefused(const Edge& e, double part) const {
+    const Vec p = probe(e, part);
+    const std::size_t span = a_.strands[e.strand].span;
+    if (span != kNoSpan && cover_.nearNeighbours(p, span, kNarrow * snap_)) return false;
+    return cover_.farEnough(p, kNarrow * snap_);
+  }
+
+  [[nodiscard]] bool freeSomewhere(const Chain& c) const {
+    for (std::size_t i = c.first; i < c.first + c.count; ++i) {
+      const Edge& e = a_.edges[i];
+      if (sizeOf(e.piece.end - e.piece.start) <= kNarrow * snap_) continue;
+      for (const double part : {0.04, 0.17, 0.29, 0.47, 0.61, 0.83, 0.96})
+        if (isFreeAt(e, part)) return true;
+    }
+    return false;
   }
 
   [[nodiscard]] bool inwards() const {
