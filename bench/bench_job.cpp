@@ -97,8 +97,11 @@ class JobBench {
     session.editor.setDatabase(loadDrawing(drawing_, &session.editor.classes()).drawing);
     JobSteps steps(session);
     session.run({"setvar CMDDIA 0"});
-    steps_.add("chaining", secondsOf([&] { steps.joinLooseCurves({}); }));
-    const ContourSurvey found = surveyContours(session.drawing(), steps.shown());
+    LooseSurvey loose;
+    steps_.add("loose curves surveyed",
+               secondsOf([&] { loose = surveyLoose(session.drawing(), steps.shown()); }));
+    steps_.add("chaining", secondsOf([&] { steps.joinLooseCurves(loose, {}); }));
+    const ContourSurvey found = steps.survey(loose);
     std::vector<const SurveyedContour*> holes, outer;
     for (const auto& c : found.contours) (c.depth % 2 == 1 ? holes : outer).push_back(&c);
     steps_.add("path making", secondsOf([&] {

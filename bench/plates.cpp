@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <random>
 
-#include "host/platform/format.h"
+#include "host/database/database.h"
+#include "host/dxf/dxf.h"
 
 namespace tarnex::bench {
 
@@ -28,18 +30,21 @@ Outline rounded(const std::vector<AcGePoint2d>& p, double r) {
   return o;
 }
 
-std::string lineText(AcGePoint2d a, AcGePoint2d b) {
-  return formatted(" 10\n%.12g\n 20\n%.12g\n 30\n0.0\n 11\n%.12g\n 21\n%.12g\n 31\n0.0\n", a.x, a.y, b.x,
-                   b.y);
+// As drawings commonly have them: nine decimals.
+double stored(double v) {
+  return std::round(v * 1e9) / 1e9;
 }
 
-// An arc of the file runs counter-clockwise.
-std::string arcText(AcGePoint2d a, AcGePoint2d b, double bulge) {
+AcGePoint3d stored(AcGePoint2d p) {
+  return {stored(p.x), stored(p.y), 0};
+}
+
+std::unique_ptr<AcDbEntity> entityOf(AcGePoint2d a, AcGePoint2d b, double bulge) {
+  if (bulge == 0) return std::make_unique<AcDbLine>(stored(a), stored(b));
   const auto arc = std::get<ArcCurve>(spanCurve(a, b, bulge));
-  const double low = std::min(arc.startAngle, arc.startAngle + arc.sweep);
-  const auto degrees = [](double radians) { return std::fmod(radians * 180 / kPi + 720, 360); };
-  return formatted(" 10\n%.12g\n 20\n%.12g\n 30\n0.0\n 40\n%.12g\n 50\n%.12g\n 51\n%.12g\n", arc.centre.x,
-                   arc.centre.y, arc.radius, degrees(low), degrees(low + std::abs(arc.sweep)));
+  const double low = std::min(arc.startAngle, arc.startAngle + arc.sweep);  // it runs counter-clockwise there
+  return std::make_unique<AcDbArc>(stored(arc.centre), stored(arc.radius), normalizedAngle(low),
+                                   normalizedAngle(low + std::abs(arc.sweep)));
 }
 
 }  // namespace
@@ -96,19 +101,14 @@ std::string looseDrawing(const std::vector<Outline>& outlines) {
   for (const Outline& o : outlines)
     for (std::size_t i = 0; i + 1 < o.size(); ++i) spans.emplace_back(&o, i);
   std::shuffle(spans.begin(), spans.end(), random);
-  std::string text =
-      "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1009\n  0\nENDSEC\n"
-      "  0\nSECTION\n  2\nENTITIES\n";
-  unsigned handle = 0x1000;
+  AcDbDatabase drawing;
   for (const auto& [outline, i] : spans) {
     const BulgeVertex &a = (*outline)[i], &b = (*outline)[i + 1];
-    text += formatted("  0\n%s\n  5\n%X\n  8\n0\n", a.bulge == 0 ? "LINE" : "ARC", ++handle);
-    if (a.bulge != 0)
-      text += arcText(a.point, b.point, a.bulge);
-    else
-      text += random() % 2 == 0 ? lineText(a.point, b.point) : lineText(b.point, a.point);
+    const bool turned = a.bulge == 0 && random() % 2 == 0;
+    drawing.appendAcDbEntity(drawing.modelSpace(),
+                             turned ? entityOf(b.point, a.point, 0) : entityOf(a.point, b.point, a.bulge));
   }
-  return text + "  0\nENDSEC\n  0\nEOF\n";
+  return dxfText(drawing);
 }
 
 }  // namespace tarnex::bench

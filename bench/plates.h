@@ -19,7 +19,8 @@ inline constexpr std::size_t kSpansOfPlate = 12;
 // A gear of `vertices` vertices: straight flanks, arcs at root and head, `pitch` mm from tooth to tooth.
 Outline gear(std::size_t vertices, double pitch);
 
-// DXF text in which every span is an entity of its own, in random order, lines turned about by chance.
+// The text of a drawing in millimetres in which every span is an entity of its own, in random order, lines
+// turned about by chance.
 std::string looseDrawing(const std::vector<Outline>& outlines);
 
 }  // namespace tarnex::bench

@@ -50,6 +50,21 @@ void ChainCandidates::rebuild() {
     link(i, 0);
     link(i, 1);
   }
+  linked_ = entries_.size();
+}
+
+// Entries are put into buckets when somebody asks, so that many can come without the index growing step by
+// step.
+void ChainCandidates::linkNew() {
+  if (linked_ == entries_.size()) return;
+  if (entries_.size() * 2 > buckets_.size()) {
+    rebuild();
+    return;
+  }
+  for (; linked_ < entries_.size(); ++linked_) {
+    link(static_cast<std::uint32_t>(linked_), 0);
+    link(static_cast<std::uint32_t>(linked_), 1);
+  }
 }
 
 void ChainCandidates::add(AcDbObjectId id, AcGePoint2d start, AcGePoint2d end, std::uint64_t order) {
@@ -66,12 +81,6 @@ void ChainCandidates::add(AcDbObjectId id, AcGePoint2d start, AcGePoint2d end, s
     slots_.resize(std::max<std::size_t>(id.index + 1, slots_.size() * 2), kNoSlot);
   slots_[id.index] = slot;
   ++alive_;
-  if (entries_.size() * 2 > buckets_.size()) {
-    rebuild();
-  } else {
-    link(slot, 0);
-    link(slot, 1);
-  }
 }
 
 void ChainCandidates::remove(AcDbObjectId id) {
@@ -92,6 +101,7 @@ AcDbObjectId ChainCandidates::first() const {
 
 void ChainCandidates::touching(AcGePoint2d p, double tolerance, std::vector<AcDbObjectId>& found) {
   found.clear();
+  linkNew();
   if (buckets_.empty()) return;
   if (tolerance > 2 * cell_) {
     finest_ = tolerance;

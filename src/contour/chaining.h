@@ -36,6 +36,7 @@ class ChainCandidates {
   [[nodiscard]] std::size_t bucketOf(std::int64_t cellX, std::int64_t cellY) const;
   [[nodiscard]] std::int64_t cellOf(double v) const;
   void link(std::uint32_t entry, int end);
+  void linkNew();
   void rebuild();
 
   std::vector<Entry> entries_;
@@ -43,6 +44,7 @@ class ChainCandidates {
   std::vector<std::uint32_t> slots_;  // by id: entry
   std::size_t alive_ = 0;
   std::vector<std::int32_t> buckets_;
+  std::size_t linked_ = 0;          // entries from here on are in no bucket yet
   double cell_ = 1.0, finest_ = 0;  // mm
   mutable std::size_t firstAlive_ = 0;
   bool inOrder_ = true;

@@ -35,16 +35,24 @@ double bulgeOfArc(const AcDbArc& arc) {
   return std::tan(included / 4);
 }
 
-// A curve as the spans it brings into a chain, from its start.
-std::optional<PolylineCurve> spansOf(const AcDbEntity& entity) {
-  if (const auto* line = dynamic_cast<const AcDbLine*>(&entity))
-    return PolylineCurve{{{line->getStartPoint().flat(), 0}, {line->getEndPoint().flat(), 0}}, false};
-  if (const auto* arc = dynamic_cast<const AcDbArc*>(&entity))
-    return PolylineCurve{{{arc->getStartPoint().flat(), bulgeOfArc(*arc)}, {arc->getEndPoint().flat(), 0}},
-                         false};
-  if (const auto* polyline = dynamic_cast<const AcDbPolyline*>(&entity))
-    if (polyline->numVerts() > 0) return polyline->polyline();
-  return std::nullopt;
+// A curve as the spans it brings into a chain, from its start; `spans` is used again from curve to curve.
+// False for what joins no chain.
+bool takeSpans(const AcDbEntity& entity, PolylineCurve& spans) {
+  if (entity.isKindOf(AcDbLine::desc())) {
+    const auto& line = static_cast<const AcDbLine&>(entity);
+    spans.vertices.assign({{line.getStartPoint().flat(), 0}, {line.getEndPoint().flat(), 0}});
+    spans.closed = false;
+    return true;
+  }
+  if (entity.isKindOf(AcDbArc::desc())) {
+    const auto& arc = static_cast<const AcDbArc&>(entity);
+    spans.vertices.assign({{arc.getStartPoint().flat(), bulgeOfArc(arc)}, {arc.getEndPoint().flat(), 0}});
+    spans.closed = false;
+    return true;
+  }
+  if (!entity.isKindOf(AcDbPolyline::desc())) return false;
+  spans = static_cast<const AcDbPolyline&>(entity).polyline();
+  return !spans.vertices.empty();
 }
 
 struct IncomingSpan {
@@ -142,28 +150,38 @@ void append(ChainBuffer& chain, const PolylineCurve& curve, double tolerance) {
     chain.vertices.push_back(far);
 }
 
-// The first candidate, in order, that touches the chain's end and can be changed; it is erased and taken.
-std::optional<PolylineCurve> takeTouching(AcDbDatabase& drawing, ChainCandidates& candidates,
-                                          AcGePoint2d tail, double tolerance,
-                                          std::vector<AcDbObjectId>& scratch) {
-  candidates.touching(tail, tolerance, scratch);
-  for (AcDbObjectId id : scratch) {
-    auto entity = drawing.open<AcDbEntity>(id, OpenMode::kForWrite);
-    if (!entity) continue;
-    auto spans = spansOf(*entity);
-    if (!spans) continue;
-    entity->erase();
-    candidates.remove(id);
-    return spans;
+// Takes curves from the drawing as a chain grows.
+class Taker {
+ public:
+  Taker(AcDbDatabase& drawing, ChainCandidates& candidates, double tolerance)
+      : drawing_(drawing), candidates_(candidates), tolerance_(tolerance) {}
+
+  // The first candidate, in order, that touches the chain's end and can be changed; it is erased and taken.
+  const PolylineCurve* touching(AcGePoint2d tail) {
+    candidates_.touching(tail, tolerance_, found_);
+    for (AcDbObjectId id : found_) {
+      auto entity = drawing_.open<AcDbEntity>(id, OpenMode::kForWrite);
+      if (!entity || !takeSpans(*entity, spans_)) continue;
+      entity->erase();
+      candidates_.remove(id);
+      return &spans_;
+    }
+    return nullptr;
   }
-  return std::nullopt;
-}
+
+ private:
+  AcDbDatabase& drawing_;
+  ChainCandidates& candidates_;
+  const double tolerance_;
+  std::vector<AcDbObjectId> found_;
+  PolylineCurve spans_;
+};
 
 void grow(AcDbDatabase& drawing, ChainCandidates& candidates, ChainBuffer& chain, double tolerance) {
-  std::vector<AcDbObjectId> scratch;
+  Taker taker(drawing, candidates, tolerance);
   for (int pass = 0; pass < 2 && !chain.closed; ++pass) {
     while (!chain.closed) {
-      const auto curve = takeTouching(drawing, candidates, chain.vertices.back(), tolerance, scratch);
+      const PolylineCurve* curve = taker.touching(chain.vertices.back());
       if (!curve) break;
       append(chain, *curve, tolerance);
     }
@@ -196,17 +214,17 @@ std::optional<AcDbObjectId> joinCurves(AcEditor& editor, AcDbObjectId seed, Chai
   {
     auto entity = drawing.open<AcDbEntity>(seed, OpenMode::kForWrite);
     if (!entity) return std::nullopt;
-    const auto spans = spansOf(*entity);
-    if (!spans) return std::nullopt;
-    if (spans->closed) return seed;
-    if (auto* polyline = dynamic_cast<AcDbPolyline*>(entity.get()); polyline && endsMeet(*spans)) {
+    PolylineCurve spans;
+    if (!takeSpans(*entity, spans)) return std::nullopt;
+    if (spans.closed) return seed;
+    if (auto* polyline = dynamic_cast<AcDbPolyline*>(entity.get()); polyline && endsMeet(spans)) {
       polyline->setElevation(0);
       polyline->setClosed(true);
       return seed;
     }
     layer = entity->layerId();
     color = entity->colorIndex();
-    for (const auto& v : spans->vertices) {
+    for (const auto& v : spans.vertices) {
       chain.vertices.push_back(v.point);
       chain.bulges.push_back(v.bulge);
     }

@@ -2,6 +2,8 @@
 // Knows paths by their ends; what is written for one path stands in contourwriter.
 #include "output3b/programwriter.h"
 
+#include <utility>
+
 #include "contour/geometrylibrary.h"
 #include "contour/hosthelpers.h"
 #include "frame/dialoglibrary.h"
@@ -46,7 +48,8 @@ class ProgramWriter {
     module_.editor.acedRestoreStatusBar();
     end();
     program_.unnumbered(stop_);
-    std::string bytes = fromUtf8(program_.text, codePageOf(module_.language));
+    // The text goes as soon as its bytes stand: a program is as long as the drawing that it was made from.
+    const std::string bytes = fromUtf8(std::exchange(program_.text, {}), codePageOf(module_.language));
     if (const auto failure = writeFileAtomically(path, bytes)) {
       module_.editor.messageBox(module_.message(37) + "\n" + failure->text(), MB_ICONSTOP);
       module_.editor.commandFailed();

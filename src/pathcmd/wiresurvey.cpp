@@ -153,10 +153,32 @@ class Survey {
   void neighbours(std::uint32_t i) {
     const CToolPath& p = *paths_[i];
     const double offset = wireOffset(p);
-    for (std::size_t k = 1; k + 1 < tool_.vertices.size(); ++k) {
-      const OwnedSpan wire{tool_.vertices[k], tool_.vertices[k + 1], tool_.bulges[k], i};
-      nearest(wire, std::abs(offset) - kTouching, WireTrouble::kCutsNeighbour, offset);
+    wires_.clear();
+    for (std::size_t k = 1; k + 1 < tool_.vertices.size(); ++k)
+      wires_.push_back({tool_.vertices[k], tool_.vertices[k + 1], tool_.bulges[k], i});
+    const double reach = std::abs(offset) - kTouching;
+    if (reach < 0) return;
+    const bool few = lookAround(i, reach);
+    for (const OwnedSpan& wire : wires_) {
+      if (few)
+        nearestOf(around_, wire, reach, WireTrouble::kCutsNeighbour, offset);
+      else
+        nearest(wire, reach, WireTrouble::kCutsNeighbour, offset);
     }
+  }
+
+  // Contour spans of other paths around the whole wire of path i, in the tree's order. False when they are so
+  // many that each span of the wire had better ask for itself.
+  bool lookAround(std::uint32_t i, double reach) {
+    constexpr std::size_t kFew = 64;
+    Extents2d all;
+    for (const OwnedSpan& wire : wires_) all.add(boxOf(wire));
+    found_.clear();
+    around_.clear();
+    if (!all.empty()) tree_.query(all.grown(reach), found_);
+    for (std::uint32_t k : found_)
+      if (spans_[k].path != i) around_.push_back({boxOf(spans_[k]), k});
+    return around_.size() <= kFew;
   }
 
   void leadIn(std::uint32_t i) {
@@ -176,19 +198,35 @@ class Survey {
     if (reach < 0) return;
     found_.clear();
     tree_.query(boxOf(span).grown(reach), found_);
-    for (std::uint32_t k : found_) {
-      if (spans_[k].path == span.path) continue;
-      AcGePoint2d at;
-      const double distance = spanDistance(span, spans_[k], at);
-      if (distance < reach || (reach == 0 && distance == 0))
-        warn(trouble, span.path, paths_[spans_[k].path]->nPathNo(), at, distance, limit);
-    }
+    for (std::uint32_t k : found_)
+      if (spans_[k].path != span.path) compare(span, k, reach, trouble, limit);
+  }
+
+  void nearestOf(const std::vector<BoxTree::Item>& others, const OwnedSpan& span, double reach,
+                 WireTrouble trouble, double limit) {
+    if (others.empty()) return;
+    const Extents2d box = boxOf(span).grown(reach);
+    for (const auto& other : others)
+      if (touch(box, other.box)) compare(span, other.key, reach, trouble, limit);
+  }
+
+  static bool touch(const Extents2d& a, const Extents2d& b) {
+    return a.low.x <= b.high.x && b.low.x <= a.high.x && a.low.y <= b.high.y && b.low.y <= a.high.y;
+  }
+
+  void compare(const OwnedSpan& span, std::uint32_t k, double reach, WireTrouble trouble, double limit) {
+    AcGePoint2d at;
+    const double distance = spanDistance(span, spans_[k], at);
+    if (distance < reach || (reach == 0 && distance == 0))
+      warn(trouble, span.path, paths_[spans_[k].path]->nPathNo(), at, distance, limit);
   }
 
   std::vector<const CToolPath*> paths_;
   std::vector<OwnedSpan> spans_;
   BoxTree tree_;
   OffsetPath tool_;
+  std::vector<OwnedSpan> wires_;
+  std::vector<BoxTree::Item> around_;
   std::vector<std::uint32_t> found_;
   std::vector<WireWarning> warnings_;
   double cutLength_ = 0;

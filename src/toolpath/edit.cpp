@@ -71,8 +71,7 @@ void CToolPath::addVertexAt(int index, AcGePoint2d p, double bulge) {
 }
 
 void CToolPath::setPathNo(int number) {
-  assertWriteEnabled();
-  nPathNo_ = number;
+  change(nPathNo_, number);
 }
 
 void CToolPath::setProcessStyle(const ProcessStyle& style) {

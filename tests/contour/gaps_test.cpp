@@ -220,8 +220,8 @@ TEST_F(Prepare, ASplineIsAskedAboutFirst) {
 TEST_F(Prepare, EllipticArcsMeetTheirNeighboursAtTheirEnds) {
   // From 20 to 200 degrees of the parameter: neither end is an axis end, where the arcs touch the ellipse.
   const double a = kPi / 9, b = kPi + kPi / 9;
-  const AcGePoint2d s{20 * std::cos(a), 8 * std::sin(a)}, e{20 * std::cos(b), 8 * std::sin(b)};
-  session.add(std::make_unique<AcDbEllipse>(AcGePoint3d{}, AcGeVector2d{20, 0}, 0.4, a, b));
+  const AcGePoint2d s{200 * std::cos(a), 80 * std::sin(a)}, e{200 * std::cos(b), 80 * std::sin(b)};
+  session.add(std::make_unique<AcDbEllipse>(AcGePoint3d{}, AcGeVector2d{200, 0}, 0.4, a, b));
   const auto c = prepared(session.line(e, s));
   ASSERT_TRUE(c);
   EXPECT_TRUE(c->closed);

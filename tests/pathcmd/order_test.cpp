@@ -163,7 +163,8 @@ TEST_F(PathOrder, InsideComesFirstElseNothingMoves) {
     const auto sorted = insideFirst(drawing(), before);
     ASSERT_THAT(sorted, ::testing::UnorderedElementsAreArray(before));
     const auto lies = [&](AcDbObjectId in, AcDbObjectId out) {
-      const auto &a = drawing().peek<CToolPath>(in)->contour(), &b = drawing().peek<CToolPath>(out)->contour();
+      const auto &a = drawing().peek<CToolPath>(in)->contour(),
+                 &b = drawing().peek<CToolPath>(out)->contour();
       return a.ptCenter == b.ptCenter && a.dRadius < b.dRadius;
     };
     bool wrong = false;
@@ -200,8 +201,9 @@ class ChooseForProgram : public PathOrder {
 TEST_F(ChooseForProgram, EveryAnswer) {
   using ::testing::ElementsAre;
   EXPECT_THAT(chosen({""}), ElementsAre(1, 3, 4, 5));
-  EXPECT_THAT(chosen({"S", session.handle(ids[3]) + " " + session.handle(ids[1]) + " " + session.handle(ids[0]), ""}),
-              ElementsAre(1, 4));
+  EXPECT_THAT(
+      chosen({"S", session.handle(ids[3]) + " " + session.handle(ids[1]) + " " + session.handle(ids[0]), ""}),
+      ElementsAre(1, 4));
   // A range asks for no first pass.
   EXPECT_THAT(chosen({"N", "2", "4"}), ElementsAre(2, 3, 4));
   EXPECT_THAT(chosen({"N", "", ""}), ElementsAre(1, 2, 3, 4, 5));

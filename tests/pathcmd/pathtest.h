@@ -19,7 +19,10 @@ inline AcDbObjectId addSquare(Session& s) {
 
 class PathTest : public ModuleTest {
  protected:
-  PathTest() { (void)session.ed.acedSetVar("CMDDIA", 0LL); }
+  PathTest() {
+    (void)session.ed.acedSetVar("CMDDIA", 0LL);
+    module->loadSettings();
+  }
 
   [[nodiscard]] WireCutSettings& settings() { return module->settings; }
   [[nodiscard]] PathState& state() { return module->state<PathState>(); }
@@ -47,7 +50,8 @@ class PathTest : public ModuleTest {
   // A path round a circle, entered from the right, its threading point at the centre.
   AcDbObjectId circlePath(AcGePoint2d centre, double radius) {
     auto made = std::make_unique<CToolPath>();
-    EXPECT_TRUE(made->initCircle({centre, centre + AcGeVector2d{radius, 0}, 1, 1, 0.08, 0}, centre, radius, 2));
+    EXPECT_TRUE(
+        made->initCircle({centre, centre + AcGeVector2d{radius, 0}, 1, 1, 0.08, 0}, centre, radius, 2));
     addPath(*module, std::move(made), {}, kColorByLayer, nullptr);
     return state().PathList.back();
   }

@@ -30,7 +30,7 @@ enum ExitCode { kDone = 0, kFailed = 1, kUsage = 2, kUnreadable = 3 };
 // What became of one drawing.
 struct Job3bResult {
   int exitCode = kDone;
-  bool interrupted = false;  // by the user, before the program stood
+  bool interrupted = false;               // by the user, before the program stood
   std::string drawing, program, failure;  // failure: one sentence, empty when the program stands
   DxfReport read;
   LooseSurvey loose;

@@ -107,19 +107,18 @@ void JobSteps::joinLooseCurves(const LooseSurvey& loose, std::optional<double> g
     (session_.drawing().peek<AcDbSpline>(id) ? splines : others).push_back(id);
   for (AcDbObjectId id : shownOf<AcDbSpline>())
     if (session_.drawing().peek<AcDbSpline>(id)->isClosed()) splines.push_back(id);
-  std::string joined = named(others);
   if (!splines.empty()) {
     const AcDbObjectId before = session_.editor.acdbEntLast();
     session_.run({"s2p", named(splines), ""});
     for (AcDbObjectId id = session_.editor.acdbEntNext(before); !id.isNull();
          id = session_.editor.acdbEntNext(id))
-      joined += " " + named({id});
+      others.push_back(id);
   }
   for (AcDbObjectId id : shownOf<AcDbEllipse>())
-    if (session_.drawing().peek<AcDbEllipse>(id)->isClosed()) joined += " " + named({id});
-  if (joined.empty()) return;
-  session_.run(
-      {"AJ", everythingIsJoined(loose) ? "all" : joined, "", shortestNumber(gap.value_or(kSamePoint))});
+    if (session_.drawing().peek<AcDbEllipse>(id)->isClosed()) others.push_back(id);
+  if (others.empty()) return;
+  session_.run({"AJ", everythingIsJoined(loose) ? "all" : named(others), "",
+                shortestNumber(gap.value_or(kSamePoint))});
 }
 
 // A long list of handles is left out where the word for it means the same.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 #include "host/database/state.h"
 
@@ -81,6 +82,7 @@ SymbolTable* AcDbDatabase::State::tableOf(const AcDbObject& object) {
 }
 
 void AcDbDatabase::State::namesMayDiffer(const AcDbObject& object) {
+  if (object.isKindOf(AcDbEntity::desc())) return;
   if (SymbolTable* table = tableOf(object)) table->invalidate();
 }
 
@@ -111,8 +113,11 @@ void AcDbDatabase::State::link(std::unique_ptr<AcDbObject> owned) {
     AcDbObject* owner = at(object.owner_);
     if (owner && owner->isKindOf(AcDbBlockTableRecord::desc()))
       insertSorted(static_cast<AcDbBlockTableRecord*>(owner)->entities_, id);
-    if (object.owner_ == modelSpace && object.isKindOf(AcDbBlockReference::desc()))
-      insertSorted(references, id);
+    if (object.owner_ == modelSpace) {
+      standingKnown = standingKnown && !object.erased_ && (standing.empty() || standing.back() < id);
+      if (standingKnown) standing.push_back(id);
+      if (object.isKindOf(AcDbBlockReference::desc())) insertSorted(references, id);
+    }
   } else if (SymbolTable* table = tableOf(object)) {
     table->add(static_cast<AcDbSymbolTableRecord&>(object));
   }
@@ -127,6 +132,7 @@ std::unique_ptr<AcDbObject> AcDbDatabase::State::unlink(AcDbObjectId id) {
     if (owner && owner->isKindOf(AcDbBlockTableRecord::desc()))
       eraseSorted(static_cast<AcDbBlockTableRecord*>(owner)->entities_, id);
     eraseSorted(references, id);
+    standingKnown = false;
   } else if (SymbolTable* table = tableOf(object)) {
     table->remove(id);
   }
@@ -180,6 +186,18 @@ AcDbObjectId AcDbDatabase::State::addRecord(SymbolTable& table, std::unique_ptr<
   if (there.isNull()) return database.add(std::move(record), {}, handle);
   replace(there, std::move(record), handle);
   return there;
+}
+
+const std::vector<AcDbObjectId>& AcDbDatabase::State::standingInModelSpace() {
+  const auto gone = [&](AcDbObjectId id) { return database.peekObject(id) == nullptr; };
+  if (!standingKnown) {
+    const auto* space = database.peek<AcDbBlockTableRecord>(modelSpace);
+    standing = space ? space->entities() : std::vector<AcDbObjectId>();
+    standingKnown = space != nullptr;
+    someErased = true;
+  }
+  if (std::exchange(someErased, false)) std::erase_if(standing, gone);
+  return standing;
 }
 
 // ---- objects
@@ -258,6 +276,7 @@ void AcDbDatabase::prepareForChange(AcDbObject& object) {
 void AcDbDatabase::eraseObject(AcDbObject& object) {
   state_->journal.erasing(object.id_);
   object.erased_ = true;
+  state_->someErased = true;
   state_->namesMayDiffer(object);
   state_->touch(object);
 }

@@ -96,13 +96,7 @@ int AcDbDatabase::effectiveColor(const AcDbEntity& entity) const {
 }
 
 std::vector<AcDbObjectId> AcDbDatabase::modelSpaceEntities() const {
-  std::vector<AcDbObjectId> ids;
-  if (const auto* space = peek<AcDbBlockTableRecord>(state_->modelSpace)) {
-    ids.reserve(space->entities().size());
-    std::copy_if(space->entities().begin(), space->entities().end(), std::back_inserter(ids),
-                 [&](AcDbObjectId id) { return peekObject(id) != nullptr; });
-  }
-  return ids;
+  return state_->standingInModelSpace();
 }
 
 void AcDbDatabase::startUndoMark(std::string label) {

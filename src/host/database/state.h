@@ -48,6 +48,7 @@ struct AcDbDatabase::State {
   std::unique_ptr<AcDbObject> unlink(AcDbObjectId id);
   std::uint64_t handleFor(std::uint64_t wish, AcDbObjectId id);
   void followBlocks();  // references whose block has changed join the feed
+  const std::vector<AcDbObjectId>& standingInModelSpace();
 
   AcDbDatabase& database;
   std::vector<std::unique_ptr<AcDbObject>> objects;  // by id; 0 stays empty, so do undone ones
@@ -57,6 +58,10 @@ struct AcDbDatabase::State {
   SymbolTable layers, linetypes, blocks;
   AcDbObjectId modelSpace, paperSpace, namedObjects, layerZero;
   std::vector<AcDbObjectId> references;  // block references of model space, ascending
+  // Entities of model space, ascending. While it is known, what comes joins it; erased ones leave it when it
+  // is asked for, so that what was erased long ago isn't looked at again.
+  std::vector<AcDbObjectId> standing;
+  bool standingKnown = false, someErased = false;
   bool blocksChanged = false;
   UndoJournal journal;
   ChangeFeed feed;

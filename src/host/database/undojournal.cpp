@@ -185,6 +185,7 @@ void UndoJournal::setErased(AcDbObjectId id, bool erased) {
   auto& state = *database_.state_;
   AcDbObject& object = *state.at(id);
   object.erased_ = erased;
+  state.standingKnown = false;
   state.namesMayDiffer(object);
   state.touch(object);
 }
@@ -195,6 +196,7 @@ void UndoJournal::swapState(Change& change) {
   auto& slot = state.objects[change.id.index];
   std::swap(slot, change.other);
   slot->writeReady_ = false;
+  state.standingKnown = false;
   if (slot->isKindOf(AcDbBlockTableRecord::desc()))  // the list of entities follows appending, not the state
     std::swap(static_cast<AcDbBlockTableRecord&>(*slot).entities_,
               static_cast<AcDbBlockTableRecord&>(*change.other).entities_);

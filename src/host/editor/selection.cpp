@@ -110,7 +110,7 @@ class Gathering {
   const AcEditor::SelectArgs& args_;
   SelectionFilter filter_;
   SelectionSet set_;
-  std::unordered_set<std::uint32_t> members_;
+  std::vector<bool> members_;  // by id
   bool removing_ = false;
 };
 
@@ -121,15 +121,15 @@ std::string Gathering::prompt() const {
 
 // Adds or removes what the filter lets through and says how much that was.
 void Gathering::take(const SelectionSet& ids) {
-  std::size_t count = 0;
   std::unordered_set<std::uint32_t> gone;
   for (const auto id : accepted(*state_.drawing, ids, filter_)) {
-    if (removing_) {
-      if (members_.erase(id.index)) gone.insert(id.index);
-    } else if (members_.insert(id.index).second) {
+    if (id.index >= members_.size()) members_.resize(id.index + std::size_t{1});
+    if (members_[id.index] != removing_) continue;
+    members_[id.index] = !removing_;
+    if (removing_)
+      gone.insert(id.index);
+    else
       set_.push_back(id);
-      ++count;
-    }
   }
   if (removing_) {
     std::erase_if(set_, [&](AcDbObjectId id) { return gone.contains(id.index); });

@@ -55,6 +55,9 @@ namespace {
 
 class PlainInput : public InputSource {
  public:
+  PlainInput() {
+    if (terminal_) std::setvbuf(stdin, nullptr, _IONBF, 0);  // so that waiting sees all that was typed
+  }
   std::optional<std::string> next(const PromptShown& prompt) override {
     // What a terminal shows; the editor prints the prompt where it is none.
     if (showsPrompt()) {
@@ -62,6 +65,7 @@ class PlainInput : public InputSource {
       std::fflush(stdout);
     }
     std::string line;
+    if (showsPrompt() && !waitForTyping(0)) return std::nullopt;
     if (!std::getline(std::cin, line)) {
       if (interruptPending()) std::cin.clear();
       return std::nullopt;

@@ -53,12 +53,12 @@ char* LineEditor::promptText(EditLine* editor) {
 int LineEditor::readLetter(EditLine*, wchar_t* letter) {
   std::mbstate_t state{};
   for (;;) {
+    if (!waitForTyping(0)) return 0;
     const int byte = std::fgetc(stdin);
     if (byte == EOF) {
-      const bool interrupted = interruptPending();
-      if (!std::feof(stdin)) std::clearerr(stdin);
-      if (std::feof(stdin) || interrupted) return 0;
-      continue;  // some other signal
+      if (std::feof(stdin) || interruptPending()) return 0;
+      std::clearerr(stdin);  // some other signal
+      continue;
     }
     const char c = static_cast<char>(byte);
     const std::size_t used = std::mbrtowc(letter, &c, 1, &state);
@@ -88,6 +88,7 @@ unsigned char LineEditor::complete(EditLine* editor, int) {
 
 LineEditor::LineEditor(std::string historyFile) : historyFile_(std::move(historyFile)) {
   useTypedLetters();
+  std::setvbuf(stdin, nullptr, _IONBF, 0);  // so that waiting sees all that was typed
   editor_ = el_init("tarnex", stdin, stdout, stderr);
   history_ = history_init();
   HistEvent event;

@@ -34,8 +34,9 @@ std::optional<std::vector<PolylineCurve>> offsetCurves(std::span<const BulgeVert
   } else {
     curves = offsets::trimmedOffset(*source, joints, distance);
   }
-  if (curves)
-    for (PolylineCurve& c : *curves) moveTo(c, source->origin);
+  if (!curves) return curves;
+  for (PolylineCurve& c : *curves) moveTo(c, source->origin);
+  std::erase_if(*curves, [](const PolylineCurve& c) { return c.vertices.size() < 2; });
   return curves;
 }
 

@@ -13,10 +13,12 @@ namespace tarnex::offsets {
 namespace {
 
 constexpr double kSnaps[] = {8, 64, 512};  // tolerances within which places are one
-constexpr double kRoundings = 16;          // of one coordinate that a result adds up
-constexpr double kSlack = 12;              // tolerances by which a result may be too near to its path
-constexpr double kNarrow = 8;              // snaps within which a refusal is a narrow one
-constexpr double kProbe = 2;               // snaps: what is narrower than this is no ground to walk on
+constexpr double kFinerSnaps[] = {2,
+                                  0.5};  // of the arithmetic's own rounding, for throats of about that width
+constexpr double kRoundings = 16;        // of one coordinate that a result adds up
+constexpr double kSlack = 12;            // tolerances by which a result may be too near to its path
+constexpr double kNarrow = 8;            // snaps within which a refusal is a narrow one
+constexpr double kProbe = 2;             // snaps: what is narrower than this is no ground to walk on
 
 struct Measures {
   double distance = 0, tolerance = 0, snap = 0;  // mm
@@ -279,6 +281,7 @@ double reach(const Source& s, const std::vector<Joint>& joints, double distance)
 std::vector<double> snapsToTry(double tolerance, double fine) {
   std::vector<double> snaps{kSnaps[0] * tolerance};
   if (fine < tolerance / 4) snaps.push_back(kSnaps[0] * fine);
+  for (const double part : kFinerSnaps) snaps.push_back(part * fine);
   snaps.push_back(kSnaps[1] * tolerance);
   snaps.push_back(kSnaps[2] * tolerance);
   return snaps;

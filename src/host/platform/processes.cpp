@@ -1,6 +1,7 @@
 // Programs started by us, the terminal, and Ctrl-C.
 // Knows no program by name.
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
@@ -184,6 +185,14 @@ TerminalSize terminalSize() {
 
 int terminalWidth() {
   return terminalSize().columns;
+}
+
+bool waitForTyping(int fd) {
+  // Looks again from time to time: a signal that comes just before the call doesn't end it.
+  pollfd typed{fd, POLLIN, 0};
+  while (!interruptPending())
+    if (poll(&typed, 1, 100) > 0) return true;
+  return false;
 }
 
 void useTypedLetters() {
