@@ -8,6 +8,7 @@
 
 namespace tarnex {
 
+// Drop: it stays in the drawing and leaves the work, as when two arcs make up a whole circle between them.
 enum class FoldOutcome { kKeep, kAbsorb, kDrop };
 
 // A line in canonical order (smaller x first, for equal x smaller y) with its signature.

@@ -33,7 +33,8 @@ struct SpanCircle {
 // 1 counter-clockwise, -1 clockwise, 0 when the area is negligible. Open polylines count their closing span
 // too.
 [[nodiscard]] int polylineOrientation(const PolylineCurve& c);
-// 1 inside, -1 outside, 0 undecided (on the contour).
+// 1 inside, -1 outside, 0 within 0.001 mm of the contour, or where it encloses nothing. By winding, so that
+// points beyond sharp corners are right too.
 [[nodiscard]] int pointInPolyline(const PolylineCurve& c, AcGePoint2d p);
 // The span that holds the point's projection (at a shared vertex the earlier one); side 1 for a point in the
 // span's second half, -1 in its first.

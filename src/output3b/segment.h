@@ -13,6 +13,9 @@ namespace tarnex {
   return std::floor(mm * 1000.0 + 0.5);
 }
 
+// The largest count of a block is 2^31 - 1 micrometres: a contour that is wider or higher can't be written.
+inline constexpr double kLargestExtent = 2147483.647;  // mm
+
 // A number with at most three decimals: "0." for zero, "12." for a whole number, trailing zeros dropped.
 [[nodiscard]] std::string formatFixed3(double v);
 

@@ -187,7 +187,8 @@ class CToolPath : public CToolPathBase {
   [[nodiscard]] OffsetPath computeOffset(int side, double distance) const;
   [[nodiscard]] OffsetPath wireCentrePath() const;  // by dOffset and dClearance
   [[nodiscard]] OffsetPath realContour() const;     // by dClearance alone
-  // False on an open path, nothing changed: catalogue messages 19 and 20.
+  // False on an open path, nothing changed: catalogue messages 19 and 20. Codes follow their vertices; the
+  // threading point keeps its own.
   [[nodiscard]] bool reverse();
   [[nodiscard]] bool flipSide();
   // `relief` may be empty: the lists are then copies of the polyline.

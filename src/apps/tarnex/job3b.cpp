@@ -15,6 +15,7 @@
 #include "host/platform/files.h"
 #include "host/platform/format.h"
 #include "output3b/programwriter.h"
+#include "output3b/segment.h"
 #include "pathcmd/paths.h"
 #include "toolpath/display.h"
 
@@ -128,26 +129,30 @@ class Job3b {
                 result_.drawing + ": nothing to cut: " + steps_.whatIsThere(result_.read, result_.found));
   }
 
+  // Why a contour can't be cut; empty when it can.
+  std::string obstacle(const SurveyedContour& c) {
+    const double offset = session_.module().settings.dOffset;
+    if (!(c.area > kNegligibleArea)) return "encloses nothing";
+    if (std::max(c.box.high.x - c.box.low.x, c.box.high.y - c.box.low.y) > kLargestExtent)
+      return "larger than the counts of a block";
+    // A wire outside a contour always goes round it.
+    if (isHole(c) && fateUnderOffset(c.shape, true, offset).vanished)
+      return formatted("too small for a wire offset of %.3f mm", offset);
+    return {};
+  }
+
+  static bool isHole(const SurveyedContour& c) { return c.depth % 2 == 1; }
+
   bool makePaths() {
     std::vector<const SurveyedContour*> holes, outer;
     for (const auto& c : result_.found.contours) {
-      if (!(c.area > kNegligibleArea)) {
+      if (const std::string why = obstacle(c); !why.empty()) {
         const AcGePoint2d at = c.shape.vertices.front().point;
-        result_.warnings.push_back(formatted("contour at %.3f,%.3f: encloses nothing, left out", at.x, at.y));
+        result_.warnings.push_back(formatted("contour at %.3f,%.3f: %s, left out", at.x, at.y, why.c_str()));
+        ++result_.leftOut;
         continue;
       }
-      const bool hole = c.depth % 2 == 1;
-      // A wire outside a contour always goes round it.
-      const OffsetFate fate =
-          hole ? fateUnderOffset(c.shape, hole, session_.module().settings.dOffset) : OffsetFate{};
-      if (fate.vanished) {
-        ++result_.vanishing;
-        result_.warnings.push_back(
-            formatted("contour at %.3f,%.3f: too small for a wire offset of %.3f mm, left out", fate.at.x,
-                      fate.at.y, session_.module().settings.dOffset));
-        continue;
-      }
-      (hole ? holes : outer).push_back(&c);
+      (isHole(c) ? holes : outer).push_back(&c);
     }
     steps_.makePaths(holes, kInnerHole);
     steps_.makePaths(outer, kOuterShape);

@@ -35,7 +35,7 @@ struct Job3bResult {
   DxfReport read;
   LooseSurvey loose;
   ContourSurvey found;
-  std::size_t vanishing = 0;  // contours left out since no wire of this size goes round them
+  std::size_t leftOut = 0;  // contours that can't be cut, each with a warning
   std::size_t holes = 0, outer = 0, paths = 0;
   long blocks = 0;
   double cutLength = 0;               // mm along the wire's centre, contours and leads

@@ -48,7 +48,7 @@ std::string jsonOf(const Job3bResult& r) {
   j["contours"] = r.found.contours.size();
   j["outer"] = r.outer;
   j["holes"] = r.holes;
-  j["leftOut"] = r.vanishing;
+  j["leftOut"] = r.leftOut;
   j["paths"] = r.paths;
   j["blocks"] = r.blocks;
   j["cutLength"] = r.cutLength;
