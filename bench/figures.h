@@ -7,15 +7,16 @@
 #include <utility>
 #include <vector>
 
-#include "host/platform/system.h"
+#include "host/platform/usage.h"
 
 namespace tarnex::bench {
 
+// Processor time: other programs of the machine don't count.
 template <class What>
 double secondsOf(What what) {
-  const double start = steadySeconds();
+  const double start = processorSeconds();
   what();
-  return steadySeconds() - start;
+  return processorSeconds() - start;
 }
 
 inline double median(std::vector<double> values) {

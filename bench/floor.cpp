@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "host/platform/files.h"
-#include "host/platform/system.h"
+#include "host/platform/usage.h"
 
 namespace tarnex::bench {
 
@@ -38,6 +38,7 @@ class Splitter {
     if (end == std::string_view::npos) return false;
     out = rest_.substr(0, end);
     rest_.remove_prefix(end + 1);
+    if (out.ends_with('\r')) out.remove_suffix(1);
     return true;
   }
   std::string_view rest_;
@@ -74,7 +75,7 @@ void keep(Record& record, int code, double number) {
 }  // namespace
 
 Floor readingFloor(const std::string& path) {
-  const double start = steadySeconds();
+  const double start = processorSeconds();
   Floor floor;
   const auto bytes = readFile(path);
   if (!bytes) return floor;
@@ -97,7 +98,7 @@ Floor readingFloor(const std::string& path) {
     }
   }
   floor.entities = records.size();
-  floor.seconds = steadySeconds() - start;
+  floor.seconds = processorSeconds() - start;
   return floor;
 }
 

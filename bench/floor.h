@@ -8,7 +8,7 @@
 namespace tarnex::bench {
 
 struct Floor {
-  double seconds = 0;
+  double seconds = 0;  // of the processor
   std::size_t entities = 0;
   double sum = 0;  // of all reals, so that no work can be left out
 };

@@ -22,6 +22,13 @@ WalkSpan walkSpan(const PolylineCurve& c, std::size_t i) {
   return {v[i].point, v[(i + 1) % v.size()].point, v[i].bulge};
 }
 
+// The radius of bulgeToCircle, without its centre.
+double spanRadius(AcGePoint2d start, AcGePoint2d end, double bulge) {
+  const double chord = start.distanceTo(end);
+  if (std::abs(bulge - 1) <= 0.000001) return chord / 2;
+  return chord / 2 / std::sin(2 * std::atan(std::abs(bulge)));
+}
+
 }  // namespace
 
 SpanCircle bulgeToCircle(AcGePoint2d start, AcGePoint2d end, double bulge) {
@@ -69,7 +76,7 @@ double spanArea(AcGePoint2d start, AcGePoint2d end, double bulge) {
   const double straight = start.x * end.y - end.x * start.y;
   if (bulge == 0) return straight / 2;
   const double theta = 4 * std::atan(bulge);
-  const double radius = bulgeToCircle(start, end, bulge).radius;
+  const double radius = spanRadius(start, end, bulge);
   return (straight + (theta - std::sin(theta)) * radius * radius) / 2;
 }
 
@@ -125,7 +132,7 @@ double distanceToCurve(const Curve& c, AcGePoint2d p) {
 
 double spanLength(AcGePoint2d start, AcGePoint2d end, double bulge) {
   if (bulge == 0) return start.distanceTo(end);
-  return bulgeToCircle(start, end, bulge).radius * 4 * std::atan(std::abs(bulge));
+  return spanRadius(start, end, bulge) * 4 * std::atan(std::abs(bulge));
 }
 
 SpanMoments spanMoments(AcGePoint2d start, AcGePoint2d end, double bulge) {

@@ -104,7 +104,11 @@ class Survey {
  private:
   // Contour spans of all paths in one tree.
   void collect() {
+    std::size_t count = 0;
+    for (const auto* path : paths_) count += path->polyline().vertices.size() - 2;
+    spans_.reserve(count);
     std::vector<BoxTree::Item> boxes;
+    boxes.reserve(count);
     for (std::uint32_t i = 0; i < paths_.size(); ++i) {
       const auto& v = paths_[i]->polyline().vertices;
       for (std::size_t k = 1; k + 1 < v.size(); ++k) {

@@ -143,6 +143,18 @@ class Job3b {
 
   static bool isHole(const SurveyedContour& c) { return c.depth % 2 == 1; }
 
+  // A contour that still stands has no path.
+  void tellUnmade(const std::vector<const SurveyedContour*>& contours) {
+    for (const auto* c : contours) {
+      if (!session_.drawing().peek<AcDbEntity>(c->id)) continue;
+      const AcGePoint2d at = c->shape.vertices.front().point;
+      result_.warnings.push_back(
+          formatted("contour at %.3f,%.3f: no path could be made (%zu spans, lead-in %.3f mm)", at.x, at.y,
+                    c->shape.spanCount(), session_.module().settings.dLeadLen));
+      ++result_.leftOut;
+    }
+  }
+
   bool makePaths() {
     std::vector<const SurveyedContour*> holes, outer;
     for (const auto& c : result_.found.contours) {
@@ -156,6 +168,8 @@ class Job3b {
     }
     steps_.makePaths(holes, kInnerHole);
     steps_.makePaths(outer, kOuterShape);
+    tellUnmade(holes);
+    tellUnmade(outer);
     auto& state = session_.module().state<PathState>();
     rebuildPathList(session_.module());
     result_.holes = holes.size();

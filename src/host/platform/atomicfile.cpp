@@ -121,8 +121,14 @@ AtomicFile::~AtomicFile() {
 
 void AtomicFile::write(std::string_view bytes) {
   if (failure_ || fd_ < 0) return;
-  buffer_ += bytes;
-  if (buffer_.size() >= kBuffer) flush();
+  if (bytes.size() < kBuffer) {
+    buffer_ += bytes;
+    if (buffer_.size() >= kBuffer) flush();
+    return;
+  }
+  flush();  // a large piece goes out as it is
+  if (failure_) return;
+  if (const int code = writeAll(fd_, bytes); code != 0) failure_ = failureOf(path_, code);
 }
 
 void AtomicFile::flush() {
