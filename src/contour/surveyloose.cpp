@@ -129,17 +129,45 @@ void walkEnds(const std::vector<LooseCurve>& curves, Components& components, std
   }
 }
 
+// Free ends in cells as wide as the gap: partners lie in the same or a neighbouring one.
+class EndCells {
+ public:
+  EndCells(const std::vector<FreeEnd>& ends, double gap)
+      : ends_(ends), gap_(gap), width_(std::max(gap, 1e-6)) {
+    for (std::uint32_t i = 0; i < ends.size(); ++i)
+      keys_.push_back({cell(ends[i].at.x), cell(ends[i].at.y), i});
+    std::sort(keys_.begin(), keys_.end());
+  }
+
+  template <class Each>
+  void partnersOf(std::uint32_t i, const Each& each) const {
+    const std::int64_t x = cell(ends_[i].at.x), y = cell(ends_[i].at.y);
+    for (std::int64_t cx = x - 1; cx <= x + 1; ++cx) {
+      auto at = std::lower_bound(keys_.begin(), keys_.end(), Keyed{cx, y - 1, 0});
+      for (; at != keys_.end() && at->a == cx && at->b <= y + 1; ++at)
+        if (at->index > i && ends_[i].at.distanceTo(ends_[at->index].at) <= gap_) each(at->index);
+    }
+  }
+
+ private:
+  [[nodiscard]] std::int64_t cell(double v) const {
+    return static_cast<std::int64_t>(std::clamp(std::floor(v / width_), -9e15, 9e15));
+  }
+  const std::vector<FreeEnd>& ends_;
+  double gap_, width_;
+  std::vector<Keyed> keys_;
+};
+
 // Free ends that come within the gap of another free end are joined after all.
 void joinAcrossGaps(std::vector<FreeEnd>& ends, double gap, Components& components) {
-  std::sort(ends.begin(), ends.end(), [](const FreeEnd& a, const FreeEnd& b) { return a.at.x < b.at.x; });
+  const EndCells cells(ends, gap);
   std::vector<int> partners(ends.size());
-  for (std::size_t i = 0; i < ends.size(); ++i)
-    for (std::size_t j = i + 1; j < ends.size() && ends[j].at.x - ends[i].at.x <= gap; ++j) {
-      if (!(ends[i].at.distanceTo(ends[j].at) <= gap)) continue;
+  for (std::uint32_t i = 0; i < ends.size(); ++i)
+    cells.partnersOf(i, [&](std::uint32_t j) {
       components.join(ends[i].curve, ends[j].curve);
       ++partners[i];
       ++partners[j];
-    }
+    });
   std::vector<FreeEnd> left;
   for (std::size_t i = 0; i < ends.size(); ++i) {
     if (partners[i] == 0) left.push_back(ends[i]);

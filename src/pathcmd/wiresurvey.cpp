@@ -194,6 +194,10 @@ class Survey {
         warn(WireTrouble::kLeadInCrosses, i, p.nPathNo(), hit, 0, 0);
         break;
       }
+    // Where the span under Q has vanished the wire goes in elsewhere, and on its way meets nothing either.
+    if (tool_.vertices.size() > 1 && std::abs(wireOffset(p)) > kTouching)
+      for (AcGePoint2d hit : intersect(contour, LineCurve{t, tool_.vertices[1]}, Extend::kOnBothOperands))
+        warn(WireTrouble::kLeadInCrosses, i, p.nPathNo(), hit, 0, 0);
     nearest({p.getPointAt(0), p.getPointAt(1), 0, i}, 0, WireTrouble::kLeadInCrosses, 0);
   }
 

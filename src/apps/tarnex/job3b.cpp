@@ -85,8 +85,9 @@ class Job3b {
     for (const auto& note : load.report.notes)
       result_.warnings.push_back(noteText(fileNameOf(result_.drawing), note, load.report.binary));
     if (load.report.unitFactor != 1)
-      result_.said.push_back("the drawing is in " + load.report.units + ": 1 unit is " +
-                             shortestNumber(load.report.unitFactor) + " mm");
+      result_.said.push_back((load.report.units == "unitless" ? std::string("the drawing names no unit")
+                                                              : "the drawing is in " + load.report.units) +
+                             ": 1 unit is " + shortestNumber(load.report.unitFactor) + " mm");
     session_.editor.setDatabase(std::move(load.drawing));
     return true;
   }

@@ -48,6 +48,10 @@ DxfReader::DxfReader(AcDbDatabase& db, std::string bytes, const DxfReadOptions& 
   if (doc_.encoding.utf8Mark) doc_.codec.setPage("UTF-8");
   report_ = {};
   report_.binary = doc_.encoding.form != TagForm::kAscii;
+  // A factor that is asked for holds for a drawing without a header, too.
+  if (options_.unitFactor && *options_.unitFactor > 0 && std::isfinite(*options_.unitFactor))
+    doc_.factor = *options_.unitFactor;
+  parser_.setFactor(doc_.factor);
 }
 
 void DxfReader::note(std::size_t offset, std::string text) {

@@ -123,13 +123,17 @@ void DxfReader::applyUnits() {
   const std::optional<DrawingUnit> unit = drawingUnit(code);
   if (!unit) note(at, "$INSUNITS " + std::to_string(code) + " isn't a unit, millimetres are taken");
   report_.units = unit ? std::string(unit->name) : "unitless";
-  doc_.factor = unit ? unit->millimetres : 1;
   if (unit && code != 0 && metric && unit->imperial != (*metric == 0))
     note(at, "$INSUNITS says " + report_.units + ", $MEASUREMENT says " +
                  (*metric == 0 ? "imperial" : "metric") + "; $INSUNITS is taken");
-  if (options_.unitFactor && *options_.unitFactor > 0 && std::isfinite(*options_.unitFactor))
-    doc_.factor = *options_.unitFactor;
-  parser_.setFactor(doc_.factor);
+  const double factor = unit ? unit->millimetres : 1;
+  if (options_.unitFactor || factor == doc_.factor) return;
+  const bool late = std::any_of(doc_.sections.begin(), doc_.sections.end(), [](const DxfSection& s) {
+    return s.name == "ENTITIES" || s.name == "BLOCKS";
+  });
+  if (late) return note(at, "the header stands behind the entities: they are taken as millimetres");
+  doc_.factor = factor;
+  parser_.setFactor(factor);
 }
 
 void DxfReader::applyUcs() {
