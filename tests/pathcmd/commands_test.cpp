@@ -1,7 +1,5 @@
 // The commands at the prompt: what each answer does.
 // Answers are those that a user would type.
-#include <csignal>
-
 #include "pathcmd/pathtest.h"
 
 namespace tarnex {
@@ -148,7 +146,7 @@ TEST_F(ByPicking, BeginOrderSwapAndLength) {
 
 TEST_F(ByPicking, AnInterruptLeavesTheOrderMode) {
   catchInterrupts();
-  std::raise(SIGINT);
+  ASSERT_EQ(runProcess({"/bin/sh", "-c", "kill -INT $PPID"}), 0);
   EXPECT_THROW(run(&CS, {p(1), ""}), CommandInterrupted);
   EXPECT_FALSE(module->bOrderMode);
 }
@@ -164,8 +162,11 @@ TEST_F(PathCommands, AjClosesGapsUpToItsTolerance) {
   corner();
   std::string out = run(&AJ, {"all", "", "0.1"});
   // One end of each, whichever its walk begins at.
-  EXPECT_TRUE(says(out, "Open point at:(0.000000,0.000000)") != says(out, "Open point at:(10.000000,0.000000)")) << out;
-  EXPECT_TRUE(says(out, "Open point at:(10.000000,0.150000)") != says(out, "Open point at:(10.000000,10.000000)"));
+  EXPECT_TRUE(says(out, "Open point at:(0.000000,0.000000)") !=
+              says(out, "Open point at:(10.000000,0.000000)"))
+      << out;
+  EXPECT_TRUE(says(out, "Open point at:(10.000000,0.150000)") !=
+              says(out, "Open point at:(10.000000,10.000000)"));
   EXPECT_TRUE(says(out, module->message(282, {2LL, 0LL})));
   corner();
   out = run(&AJ, {"all", "", "0.2"});
