@@ -20,7 +20,7 @@ bool putIntoArea(const std::optional<SharedTextArea>& area, const std::string& t
 // An editor that is still at work may not have read its text yet; it keeps the area that it was handed.
 void takeFreshArea(Module& module) {
   bool taken = false;
-  for (auto& process : module.started) taken = process.running() || taken;
+  for (auto& editor : module.started) taken = editor.process.running() || taken;
   if (taken && module.textArea) module.textArea = SharedTextArea::create("VornlineWEDM");
 }
 
@@ -42,13 +42,18 @@ void handOverToEditor(Module& module, const std::string& path) {
       module.editor.print("\n" + module.message(20200, {std::string_view(path)}) + "\n");
   }
   if (auto editor = StartedProcess::start(command, module.textArea ? &*module.textArea : nullptr))
-    module.started.push_back(std::move(*editor));
+    module.started.push_back({std::move(*editor), path});
   else
     module.editor.print("\n" + module.message(20201, {std::string_view(command.front())}) + "\n");
 }
 
+void waitForEditorsOf(Module& module, const std::string& path) {
+  for (auto& editor : module.started)
+    if (editor.path == path) (void)editor.process.wait();
+}
+
 void waitForStarted(Module& module) {
-  for (auto& process : module.started) (void)process.wait();
+  for (auto& editor : module.started) (void)editor.process.wait();
   module.started.clear();
 }
 

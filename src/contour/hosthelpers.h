@@ -73,6 +73,8 @@ void eraseList(AcDbDatabase& drawing, SelectionSet& list);
 // and starts the editor. The file itself stays as it is until the editor saves, so a text longer than the
 // area, an area that isn't there, and an editor that can't be started lose nothing; the user is told.
 void handOverToEditor(Module& module, const std::string& path);
+// Waits until no editor holds an older text of that file, which it would save over a newer one.
+void waitForEditorsOf(Module& module, const std::string& path);
 // Waits for the programs that were started: at the program's own end.
 void waitForStarted(Module& module);
 

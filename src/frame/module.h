@@ -31,7 +31,12 @@ class Module {
   bool bShowMatchLines = false;  // the match line tool runs
   bool bLastDocClosed = false;
   std::optional<SharedTextArea> textArea;
-  std::vector<StartedProcess> started;  // programs that are waited for at the end
+  // An NC editor that was started, and the file that it was handed; empty for none.
+  struct StartedEditor {
+    StartedProcess process;
+    std::string path;
+  };
+  std::vector<StartedEditor> started;  // waited for at the program's end
 
   [[nodiscard]] AcDbDatabase& drawing() { return editor.database(); }
   // A catalogue text, with its arguments filled in.

@@ -50,6 +50,7 @@ class ProgramWriter {
     program_.unnumbered(stop_);
     // The text goes as soon as its bytes stand: a program is as long as the drawing that it was made from.
     const std::string bytes = fromUtf8(std::exchange(program_.text, {}), codePageOf(module_.language));
+    waitForEditorsOf(module_, path);
     if (const auto failure = writeFileAtomically(path, bytes)) {
       module_.editor.messageBox(module_.message(37) + "\n" + failure->text(), MB_ICONSTOP);
       module_.editor.commandFailed();

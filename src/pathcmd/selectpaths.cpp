@@ -111,6 +111,10 @@ std::optional<Ids> selectProgramPaths(Module& module) {
   module.editor.print("\n" + module.message(64, {static_cast<long long>(list.size())}) + "\n");
   auto ids = askChoice(module, list);
   if (!ids) return std::nullopt;
+  if (ids->empty()) {  // a program without a path would only stop the machine
+    module.editor.messageBox(module.message(295), MB_ICONINFORMATION);
+    return std::nullopt;
+  }
   AcDbDatabase& drawing = module.drawing();
   sortByNumber(drawing, *ids);
   const auto& job = module.state<JobLayout>();

@@ -83,6 +83,37 @@ TightArc smallestTightRadius(const PolylineCurve& contour, bool hole, double off
   return tight;
 }
 
+// Direction of travel at the start of a span, or at its end.
+AcGeVector2d headingOf(AcGePoint2d start, AcGePoint2d end, double bulge, bool atEnd) {
+  const double half = 2 * std::atan(bulge), chord = acutAngle(start, end);
+  const double angle = atEnd ? chord + half : chord - half;
+  return {std::cos(angle), std::sin(angle)};
+}
+
+struct SharpCorner {
+  double reach = 0;  // mm from the corner to where the wire turns; 0 none
+  AcGePoint2d at;
+};
+
+// The corner round whose outside the wire runs farthest out, when that is more than a few offsets.
+SharpCorner sharpestCorner(const PolylineCurve& contour, bool hole, double offset) {
+  constexpr double kFarOut = 6;  // offsets; a corner of 20 degrees
+  SharpCorner sharp;
+  const auto& v = contour.vertices;
+  const double toTheLeft = leftOffset(contour, hole, offset);
+  for (std::size_t i = 0; i < v.size(); ++i) {
+    const auto &before = v[(i + v.size() - 1) % v.size()], &here = v[i];
+    const AcGePoint2d after = v[(i + 1) % v.size()].point;
+    if (before.point == here.point || here.point == after) continue;
+    const AcGeVector2d in = headingOf(before.point, here.point, before.bulge, true);
+    const AcGeVector2d out = headingOf(here.point, after, here.bulge, false);
+    if (in.crossProduct(out) * toTheLeft >= 0) continue;
+    const double reach = std::abs(offset) / std::max(std::cos(in.angleTo(out) / 2), 1e-9);
+    if (reach > kFarOut * std::abs(offset) && reach > sharp.reach) sharp = {reach, here.point};
+  }
+  return sharp;
+}
+
 class Survey {
  public:
   Survey(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& ids) {
@@ -139,6 +170,8 @@ class Survey {
     const bool hole = p.nSide() == kInnerHole;
     if (const auto small = smallestTightRadius(contour, hole, offset); small.radius > 0)
       warn(WireTrouble::kRadiusBelowOffset, i, 0, small.at, small.radius, offset);
+    if (const auto sharp = sharpestCorner(contour, hole, offset); sharp.reach > 0)
+      warn(WireTrouble::kSharpCorner, i, 0, sharp.at, sharp.reach, offset);
     // As many spans as the contour: nothing of it was cut away.
     if (!tool_.ownMethod && tool_.pieces == 1) return;
     const OffsetFate f = fateUnderOffset(contour, hole, offset);

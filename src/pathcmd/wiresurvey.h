@@ -15,6 +15,7 @@ enum class WireTrouble {
   kFallsApart,         // the offset contour splits; only the part at the entry is cut
   kOwnMethod,          // the offset was made corner by corner and may cross itself
   kCutsNeighbour,      // the wire comes nearer to another contour than its own offset
+  kSharpCorner,        // the wire runs far out along the sides of a sharp corner before it turns
   kLeadInCrosses,      // the lead-in crosses a contour
 };
 

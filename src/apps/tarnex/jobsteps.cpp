@@ -198,6 +198,8 @@ std::string sentenceOf(const WireWarning& w) {
     case WireTrouble::kCutsNeighbour:
       return where + formatted("the wire comes within %.3f mm of path %d, its offset is %.3f mm", w.value,
                                w.other, w.limit);
+    case WireTrouble::kSharpCorner:
+      return where + formatted("a corner so sharp that the wire runs %.3f mm out before it turns", w.value);
     case WireTrouble::kLeadInCrosses:
       return where + (w.other == w.path ? std::string("the lead-in crosses its own contour")
                                         : formatted("the lead-in crosses path %d", w.other));
