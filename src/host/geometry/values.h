@@ -51,22 +51,42 @@ struct AcGePoint3d {
   bool operator==(const AcGePoint3d&) const = default;
 };
 
-inline AcGeVector2d operator-(AcGePoint2d a, AcGePoint2d b) { return {a.x - b.x, a.y - b.y}; }
-inline AcGePoint2d operator+(AcGePoint2d p, AcGeVector2d v) { return {p.x + v.x, p.y + v.y}; }
-inline AcGePoint2d operator-(AcGePoint2d p, AcGeVector2d v) { return {p.x - v.x, p.y - v.y}; }
-inline AcGeVector2d operator+(AcGeVector2d a, AcGeVector2d b) { return {a.x + b.x, a.y + b.y}; }
-inline AcGeVector2d operator-(AcGeVector2d a, AcGeVector2d b) { return {a.x - b.x, a.y - b.y}; }
-inline AcGeVector2d operator-(AcGeVector2d v) { return {-v.x, -v.y}; }
-inline AcGeVector2d operator*(AcGeVector2d v, double f) { return {v.x * f, v.y * f}; }
-inline AcGeVector2d operator*(double f, AcGeVector2d v) { return v * f; }
+inline AcGeVector2d operator-(AcGePoint2d a, AcGePoint2d b) {
+  return {a.x - b.x, a.y - b.y};
+}
+inline AcGePoint2d operator+(AcGePoint2d p, AcGeVector2d v) {
+  return {p.x + v.x, p.y + v.y};
+}
+inline AcGePoint2d operator-(AcGePoint2d p, AcGeVector2d v) {
+  return {p.x - v.x, p.y - v.y};
+}
+inline AcGeVector2d operator+(AcGeVector2d a, AcGeVector2d b) {
+  return {a.x + b.x, a.y + b.y};
+}
+inline AcGeVector2d operator-(AcGeVector2d a, AcGeVector2d b) {
+  return {a.x - b.x, a.y - b.y};
+}
+inline AcGeVector2d operator-(AcGeVector2d v) {
+  return {-v.x, -v.y};
+}
+inline AcGeVector2d operator*(AcGeVector2d v, double f) {
+  return {v.x * f, v.y * f};
+}
+inline AcGeVector2d operator*(double f, AcGeVector2d v) {
+  return v * f;
+}
 inline AcGeVector3d operator-(const AcGePoint3d& a, const AcGePoint3d& b) {
   return {a.x - b.x, a.y - b.y, a.z - b.z};
 }
 inline AcGePoint3d operator+(const AcGePoint3d& p, const AcGeVector3d& v) {
   return {p.x + v.x, p.y + v.y, p.z + v.z};
 }
-inline AcGePoint3d solid(AcGePoint2d p, double z = 0) { return {p.x, p.y, z}; }
-inline AcGePoint2d midpoint(AcGePoint2d a, AcGePoint2d b) { return {(a.x + b.x) / 2, (a.y + b.y) / 2}; }
+inline AcGePoint3d solid(AcGePoint2d p, double z = 0) {
+  return {p.x, p.y, z};
+}
+inline AcGePoint2d midpoint(AcGePoint2d a, AcGePoint2d b) {
+  return {(a.x + b.x) / 2, (a.y + b.y) / 2};
+}
 
 // Affine transformation, rows by columns; the last row is 0 0 0 1. Points are columns: p' = M p.
 class AcGeMatrix3d {
@@ -83,11 +103,12 @@ class AcGeMatrix3d {
   [[nodiscard]] double operator()(int row, int column) const { return m_[row][column]; }
   double& entry(int row, int column) { return m_[row][column]; }
   [[nodiscard]] AcGePoint3d apply(const AcGePoint3d& p) const;
-  [[nodiscard]] AcGePoint2d apply(AcGePoint2d p) const;      // z 0, result dropped to x, y
+  [[nodiscard]] AcGePoint2d apply(AcGePoint2d p) const;  // z 0, result dropped to x, y
   [[nodiscard]] AcGeVector3d apply(const AcGeVector3d& v) const;
   [[nodiscard]] AcGeVector2d apply(AcGeVector2d v) const;
-  [[nodiscard]] double determinant2d() const;                // below 0: the drawing plane is mirrored
-  // The one factor by which lengths in the drawing plane grow, or nothing when x and y differ (1e-9 relative).
+  [[nodiscard]] double determinant2d() const;  // below 0: the drawing plane is mirrored
+  // The one factor by which lengths in the drawing plane grow, or nothing when x and y differ (1e-9
+  // relative).
   [[nodiscard]] std::optional<double> uniformScale() const;
   bool operator==(const AcGeMatrix3d&) const = default;
 

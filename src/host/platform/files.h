@@ -54,8 +54,9 @@ class AtomicFile {
 [[nodiscard]] bool isFolder(const std::string& path);
 [[nodiscard]] std::optional<FileError> makeFolders(const std::string& path);
 [[nodiscard]] std::optional<FileError> copyTree(const std::string& from,
-                                                const std::string& to);      // files kept if there
-[[nodiscard]] std::optional<FileError> removeTree(const std::string& path);  // a folder with all in it; missing is fine
+                                                const std::string& to);  // files kept if there
+[[nodiscard]] std::optional<FileError> removeTree(
+    const std::string& path);  // a folder with all in it; missing is fine
 [[nodiscard]] std::optional<FileError> removeFile(const std::string& path);  // a missing file is not an error
 // Names in a folder, sorted bytewise, without "." and "..".
 [[nodiscard]] std::vector<std::string> folderEntries(const std::string& path);

@@ -91,7 +91,8 @@ class StartedProcess {
                                             std::string* output = nullptr);
 
 [[nodiscard]] bool isTerminal(int fd);
-// Waits until something can be read there or its end is reached. False: an interrupt came, before or meanwhile.
+// Waits until something can be read there or its end is reached. False: an interrupt came, before or
+// meanwhile.
 [[nodiscard]] bool waitForTyping(int fd);
 // Letters typed and shown are those of the user's character set from now on; numbers are untouched.
 void useTypedLetters();

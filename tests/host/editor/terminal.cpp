@@ -64,6 +64,8 @@ class Person {
     const auto at = screen_.find(words);
     EXPECT_NE(at, std::string::npos) << "\"" << words << "\" isn't in \"" << screen_ << "\"";
     screen_.erase(0, at == std::string::npos ? 0 : at + words.size());
+    sleepMilliseconds(
+        100);  // a person types after the prompt stands; the terminal changes its mode just then
     ASSERT_EQ(write(fd_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
   }
   int leaves() {
