@@ -27,15 +27,19 @@ bool hasLeadIn(const CToolPath::Making& m) {
 
 }  // namespace
 
-bool CToolPath::initCircle(const Making& m, AcGePoint2d centre, double radius, int arcs) {
-  constexpr int kMostArcs = 1000;
-  if (arcs < 1 || arcs > kMostArcs || !(radius > 0) || !hasLeadIn(m)) return false;
-  assertWriteEnabled();
+void CToolPath::take(const Making& m) {
   nSide_ = m.nSide;
   nDirection_ = m.nDirection;
   dOffset_ = m.dOffset;
   dClearance_ = m.dClearance;
   nFlags_ = kContourPath;
+}
+
+bool CToolPath::initCircle(const Making& m, AcGePoint2d centre, double radius, int arcs) {
+  constexpr int kMostArcs = 1000;
+  if (arcs < 1 || arcs > kMostArcs || !(radius > 0) || !hasLeadIn(m)) return false;
+  assertWriteEnabled();
+  take(m);
   contour_.bCircle = true;
   contour_.dRadius = radius;
   contour_.ptCenter = centre;
@@ -59,11 +63,7 @@ bool CToolPath::initContour(const Making& m, const PolylineCurve& contour, int s
   constexpr std::size_t kMostVertices = 32767 - 3;  // counts are stored in 16 bits
   if (n < 2 || i >= n || n > kMostVertices || !hasLeadIn(m)) return false;
   assertWriteEnabled();
-  nSide_ = m.nSide;
-  nDirection_ = m.nDirection;
-  dOffset_ = m.dOffset;
-  dClearance_ = m.dClearance;
-  nFlags_ = kContourPath;
+  take(m);
   contour_.bCircle = false;
   contour_.bClosed = true;
   contour_.aContour.clear();

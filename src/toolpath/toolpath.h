@@ -198,6 +198,7 @@ class CToolPath : public CToolPathBase {
   CToolPath(const CToolPath&) = default;
 
  private:
+  void take(const Making& making);
   friend class PathRecord;
   friend class PathDrawing;
   int nPathNo_ = 0, nSide_ = 0, nDirection_ = 0;
