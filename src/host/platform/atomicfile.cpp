@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 
 #include "host/platform/files.h"
 
@@ -88,6 +89,16 @@ int takeOver(int fd, const struct stat& old) {
   return fchmod(fd, mode) == 0 ? 0 : errno;
 }
 
+// What lies in the system's folder for temporary files is nobody's work: it need not outlast a power cut.
+bool isTemporary(const std::string& path) {
+  std::error_code error;
+  const auto base = std::filesystem::temp_directory_path(error);
+  if (error) return false;
+  const auto whole = std::filesystem::absolute(path, error).lexically_normal();
+  const auto rest = whole.lexically_relative(base);
+  return !error && !rest.empty() && *rest.begin() != ".." && *rest.begin() != ".";
+}
+
 }  // namespace
 
 AtomicFile::AtomicFile(std::string path) : path_(std::move(path)) {
@@ -140,7 +151,8 @@ void AtomicFile::flush() {
 std::optional<FileError> AtomicFile::commit() {
   flush();
   if (fd_ < 0 && !failure_) failure_ = FileError{path_, "already closed"};
-  if (!failure_ && !temporary_.empty() && fsync(fd_) != 0) failure_ = failureOf(path_, errno);
+  const bool lasting = !isTemporary(path_);
+  if (!failure_ && !temporary_.empty() && lasting && fsync(fd_) != 0) failure_ = failureOf(path_, errno);
   if (fd_ >= 0 && close(fd_) != 0 && !failure_) failure_ = failureOf(path_, errno);
   fd_ = -1;
   if (!failure_ && !temporary_.empty()) {
@@ -148,7 +160,7 @@ std::optional<FileError> AtomicFile::commit() {
       failure_ = failureOf(path_, errno);
     } else {
       temporary_.clear();
-      if (const int code = flushFolder(path_); code != 0) failure_ = failureOf(path_, code);
+      if (const int code = lasting ? flushFolder(path_) : 0; code != 0) failure_ = failureOf(path_, code);
     }
   }
   if (!temporary_.empty()) unlink(temporary_.c_str());

@@ -27,10 +27,10 @@ struct FileResult {
 };
 
 [[nodiscard]] FileResult<std::string> readFile(const std::string& path);
-// Temporary file in the same folder, flushed to disk, renamed over `path`: nothing on success, else the
-// error, and the old file stays intact. Keeps the old file's mode bits; follows a symbolic link; a device or
-// pipe is written straight. A write-protected file is refused. A killed program may leave a file ".NAME.<16
-// hex digits>.tmp" behind.
+// Temporary file in the same folder, flushed to disk (but for files in the system's temporary folder),
+// renamed over `path`: nothing on success, else the error, and the old file stays intact. Keeps the old
+// file's mode bits; follows a symbolic link; a device or pipe is written straight. A write-protected file is
+// refused. A killed program may leave a file ".NAME.<16 hex digits>.tmp" behind.
 [[nodiscard]] std::optional<FileError> writeFileAtomically(const std::string& path, std::string_view bytes);
 // The same in pieces, for output that should not stand in memory as a whole.
 class AtomicFile {
