@@ -107,7 +107,6 @@ void placePause(const WireCutSettings& settings, ContourLists& l) {
 }
 
 // ---- overcut
-// ------------------------------------------------------------------------------------------------------
 
 constexpr double kInLine = 0.001;  // rad between the last segment and the first
 

@@ -80,7 +80,6 @@ class ContourWriter {
   double taperAt(int i) const { return i >= 0 && at(i) < l_.taper.size() ? l_.taper[at(i)] : 0.0; }
 
   // ---- taper marks
-  // ------------------------------------------------------------------------------------------------
 
   void insertBefore(std::string_view letters, const std::string& words) {
     for (char letter : letters)
@@ -117,7 +116,6 @@ class ContourWriter {
   }
 
   // ---- code texts
-  // -------------------------------------------------------------------------------------------------
 
   // Pieces between "|" are blocks of their own.
   void writeCode(const std::string& text) {
@@ -128,7 +126,6 @@ class ContourWriter {
   }
 
   // ---- out and back
-  // -----------------------------------------------------------------------------------------------
 
   void blockWithoutEnd(AcGePoint2d from, AcGePoint2d to) {
     encodeSegment(block_, from, to, 0.0);

@@ -73,7 +73,6 @@ class PathMaker {
 
  private:
   // ---- circle
-  // -----------------------------------------------------------------------------------------------------
 
   bool circle() {
     AcGePoint2d centre;
@@ -121,7 +120,6 @@ class PathMaker {
   }
 
   // ---- any other contour
-  // ------------------------------------------------------------------------------------------
 
   bool contour() {
     AcDbObjectId id = request_.entity;

@@ -90,13 +90,11 @@ class CToolPath : public CToolPathBase {
   }
 
   // ---- record
-  // ---------------------------------------------------------------------------------------------------
   static constexpr int kFormatVersion = 213;
   ErrorStatus dwgOutFields(AcDbDwgFiler& filer) const override;
   ErrorStatus dwgInFields(AcDbDwgFiler& filer) override;  // every version up to 213; above: eMakeMeProxy
 
   // ---- host operations
-  // ------------------------------------------------------------------------------------------
   void worldDraw(AcGiWorldDraw& draw) const override;
   void list(std::vector<std::string>& lines) const override;
   ErrorStatus transformBy(const AcGeMatrix3d& m) override;
@@ -109,7 +107,6 @@ class CToolPath : public CToolPathBase {
   void addVertexAt(int index, AcGePoint2d p, double bulge);
 
   // ---- persisted fields
-  // -----------------------------------------------------------------------------------------
   [[nodiscard]] int nPathNo() const { return nPathNo_; }
   [[nodiscard]] int nSide() const { return nSide_; }            // kInnerHole or kOuterShape
   [[nodiscard]] int nDirection() const { return nDirection_; }  // kCounterClockwise or kClockwise
@@ -167,7 +164,6 @@ class CToolPath : public CToolPathBase {
   void setGuide(const PolylineCurve& guide);
 
   // ---- making
-  // ---------------------------------------------------------------------------------------------------
   struct Making {
     AcGePoint2d thread, entry;  // T and Q
     int nSide = 1, nDirection = 1;
@@ -181,7 +177,8 @@ class CToolPath : public CToolPathBase {
   [[nodiscard]] bool initContour(const Making& making, const PolylineCurve& contour, int spanIndex);
 
   // ---- compensation
-  // --------------------------------------------------------------------------------------------- The
+  //
+  // The
   // polyline beside the path, left of travel where side * distance is above 0. Vertex 0 is the threading
   // point.
   [[nodiscard]] OffsetPath computeOffset(int side, double distance) const;

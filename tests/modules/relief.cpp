@@ -141,7 +141,6 @@ TEST_F(Relief, WithoutAModuleThereIsNone) {
 }
 
 // ---- what writers make of it
-// ---------------------------------------------------------------------------------------
 
 class ReliefInPrograms : public Relief {
  protected:

@@ -3,8 +3,6 @@
 #include "apps/tarnex/job3b.h"
 
 #include <algorithm>
-#include <cmath>
-#include <set>
 
 #include "apps/tarnex/jobsteps.h"
 #include "contour/geometrylibrary.h"
@@ -72,11 +70,16 @@ class Job3b {
   }
 
   // ---- the drawing
-  // ------------------------------------------------------------------------------------------------
+
+  // mm per unit as the drawing itself says.
+  double ownUnit() {
+    const auto load = loadDrawing(result_.drawing, nullptr);
+    return load.drawing ? load.report.unitFactor : 1.0;
+  }
 
   bool open() {
     std::optional<double> factor = options_.unitFactor;
-    if (options_.scale != 1) factor = factor.value_or(1) * options_.scale;
+    if (options_.scale != 1) factor = factor.value_or(ownUnit()) * options_.scale;
     if (factor) session_.script.push_back("setvar OPENUNITS " + shortestNumber(*factor));
     session_.script.push_back("open " + absolutePath(result_.drawing));
     auto load = loadDrawing(result_.drawing, &session_.editor.classes(), factor);
@@ -115,7 +118,6 @@ class Job3b {
   }
 
   // ---- contours
-  // ---------------------------------------------------------------------------------------------------
 
   bool prepare() {
     if (!steps_.chooseLayers(options_.layers, options_.skipLayers, result_.said))
@@ -186,7 +188,6 @@ class Job3b {
   }
 
   // ---- program
-  // ----------------------------------------------------------------------------------------------------
 
   bool writeProgram() {
     if (const auto failure = makeFolders(absolutePath(options_.outDir.empty() ? "." : options_.outDir))) {

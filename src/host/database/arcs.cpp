@@ -33,7 +33,6 @@ ErrorStatus roundMove(const AcGeMatrix3d& m, RoundMove& move) {
 }  // namespace
 
 // ---- AcDbArc
-// ---------------------------------------------------------------------------------------------------
 
 const AcRxClass& AcDbArc::desc() {
   static const AcRxClass kClass = hostClass("AcDbArc", &AcDbCurve::desc(), "ARC", makeObject<AcDbArc>);
@@ -88,7 +87,6 @@ void AcDbArc::list(std::vector<std::string>& lines) const {
 }
 
 // ---- AcDbCircle
-// ------------------------------------------------------------------------------------------------
 
 const AcRxClass& AcDbCircle::desc() {
   static const AcRxClass kClass =
@@ -123,7 +121,6 @@ void AcDbCircle::list(std::vector<std::string>& lines) const {
 }
 
 // ---- AcDbEllipse
-// -----------------------------------------------------------------------------------------------
 
 const AcRxClass& AcDbEllipse::desc() {
   static const AcRxClass kClass =

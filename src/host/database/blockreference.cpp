@@ -182,7 +182,6 @@ void AcDbBlockReference::list(std::vector<std::string>& lines) const {
 }
 
 // ---- dimensions, which show a block
-// ----------------------------------------------------------------------------
 
 void AcDbDimension::worldDraw(AcGiWorldDraw& draw) const {
   if (!database() || picture_.isNull()) return;

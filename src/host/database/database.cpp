@@ -36,7 +36,6 @@ void eraseSorted(std::vector<AcDbObjectId>& ids, AcDbObjectId id) {
 }  // namespace
 
 // ---- symbol tables
-// ---------------------------------------------------------------------------------------------
 
 void SymbolTable::add(const AcDbSymbolTableRecord& record) {
   insertSorted(all_, record.objectId());
@@ -73,7 +72,6 @@ AcDbObjectId SymbolTable::find(const AcDbDatabase& database, std::string_view na
 }
 
 // ---- the tables of objects
-// -------------------------------------------------------------------------------------
 
 SymbolTable* AcDbDatabase::State::tableOf(const AcDbObject& object) {
   if (object.isKindOf(AcDbLayerTableRecord::desc())) return &layers;
@@ -201,7 +199,6 @@ const std::vector<AcDbObjectId>& AcDbDatabase::State::standingInModelSpace() {
 }
 
 // ---- objects
-// ---------------------------------------------------------------------------------------------------
 
 AcDbDatabase::~AcDbDatabase() = default;
 

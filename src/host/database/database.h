@@ -29,8 +29,7 @@ class AcDbDatabase {
   AcDbDatabase& operator=(const AcDbDatabase&) = delete;
 
   // ---- objects
-  // ------------------------------------------------------------------------------------------------ Opens an
-  // object: eNullObjectId, eWasErased, eWasOpenForRead/Write, eOnLockedLayer (entities, for write),
+  // Opens an object: eNullObjectId, eWasErased, eWasOpenForRead/Write, eOnLockedLayer (entities, for write),
   // eNotThatKindOfClass when it isn't a T.
   template <class T>
   [[nodiscard]] Opened<T> open(AcDbObjectId id, OpenMode mode = OpenMode::kForRead) {
@@ -58,9 +57,8 @@ class AcDbDatabase {
   [[nodiscard]] std::size_t objectCount() const;
 
   // ---- tables
-  // ------------------------------------------------------------------------------------------------- Names
-  // compare without regard to case (ASCII). Null when there is none. Adding a record under a name that is
-  // there puts it in the old one's place: same id, and for a block the same entities.
+  // Names compare without regard to case (ASCII). Null when there is none. Adding a record under a name that
+  // is there puts it in the old one's place: same id, and for a block the same entities.
   [[nodiscard]] AcDbObjectId layer(std::string_view name) const;
   [[nodiscard]] AcDbObjectId linetype(std::string_view name) const;
   [[nodiscard]] AcDbObjectId block(std::string_view name) const;
@@ -85,7 +83,6 @@ class AcDbDatabase {
   [[nodiscard]] std::vector<AcDbObjectId> modelSpaceEntities() const;
 
   // ---- header
-  // -------------------------------------------------------------------------------------------------
   AcGePoint3d ucsorg;  // origin of the current user coordinate system, world
   AcGeVector3d ucsXDir{1, 0, 0}, ucsYDir{0, 1, 0};
   AcDbObjectId currentLayer;  // null: layer "0"
@@ -97,7 +94,6 @@ class AcDbDatabase {
   std::unique_ptr<DrawingSource> source;
 
   // ---- undo
-  // ---------------------------------------------------------------------------------------------------
   // Everything that changes between a mark and the next is one step.
   void startUndoMark(std::string label);
   void endUndoMark();                       // an empty step vanishes
@@ -109,8 +105,7 @@ class AcDbDatabase {
   void markSaved();
 
   // ---- where things lie
-  // --------------------------------------------------------------------------------------- Model space
-  // entities whose extents touch the box, in drawing order; hidden layers too.
+  // Model space entities whose extents touch the box, in drawing order; hidden layers too.
   [[nodiscard]] std::vector<AcDbObjectId> entitiesTouching(const Extents2d& box) const;
   [[nodiscard]] Extents2d drawingExtents() const;  // of what is shown
   // Counts up with every append, change, erase and undo of a model space entity.

@@ -6,7 +6,6 @@
 namespace tarnex {
 
 // ---- AcDbLine
-// --------------------------------------------------------------------------------------------------
 
 const AcRxClass& AcDbLine::desc() {
   static const AcRxClass kClass = hostClass("AcDbLine", &AcDbCurve::desc(), "LINE", makeObject<AcDbLine>);
@@ -41,7 +40,6 @@ void AcDbLine::list(std::vector<std::string>& lines) const {
 }
 
 // ---- AcDbRay
-// ---------------------------------------------------------------------------------------------------
 
 const AcRxClass& AcDbRay::desc() {
   static const AcRxClass kClass = hostClass("AcDbRay", &AcDbCurve::desc(), "RAY", makeObject<AcDbRay>);
@@ -73,7 +71,6 @@ void AcDbRay::list(std::vector<std::string>& lines) const {
 }
 
 // ---- AcDbPoint
-// -------------------------------------------------------------------------------------------------
 
 const AcRxClass& AcDbPoint::desc() {
   static const AcRxClass kClass = hostClass("AcDbPoint", &AcDbEntity::desc(), "POINT", makeObject<AcDbPoint>);

@@ -87,7 +87,6 @@ void listPolyline(const PolylineCurve& c, double z, std::vector<std::string>& li
 }  // namespace
 
 // ---- AcDbPolyline
-// ----------------------------------------------------------------------------------------------
 
 const AcRxClass& AcDbPolyline::desc() {
   static const AcRxClass kClass =
@@ -198,7 +197,6 @@ void AcDbPolyline::list(std::vector<std::string>& lines) const {
 }
 
 // ---- AcDb2dPolyline
-// --------------------------------------------------------------------------------------------
 
 const AcRxClass& AcDb2dPolyline::desc() {
   static const AcRxClass kClass =

@@ -69,7 +69,6 @@ double widestOf(const std::vector<std::string>& lines, double height) {
 }  // namespace
 
 // ---- AcDbText
-// --------------------------------------------------------------------------------------------------
 
 const AcRxClass& AcDbText::desc() {
   static const AcRxClass kClass = hostClass("AcDbText", &AcDbEntity::desc(), "TEXT", makeObject<AcDbText>);
@@ -119,7 +118,6 @@ void AcDbText::list(std::vector<std::string>& lines) const {
 }
 
 // ---- AcDbMText
-// -------------------------------------------------------------------------------------------------
 
 const AcRxClass& AcDbMText::desc() {
   static const AcRxClass kClass = hostClass("AcDbMText", &AcDbText::desc(), "MTEXT", makeObject<AcDbMText>);

@@ -23,7 +23,6 @@ class UndoJournal {
   void replacing(std::unique_ptr<AcDbObject> old);  // another object takes its place and id
 
   // ---- steps
-  // ----------------------------------------------------------------------------------------------------
   void start(std::string label);
   void end();
   void rollBack();

@@ -53,7 +53,6 @@ DisplayList buildDisplayList(const AcDbDatabase& drawing, const DisplayOptions& 
 }
 
 // ---- what is in force
-// ------------------------------------------------------------------------------------------
 
 void DisplayRecorder::record(const AcDbEntity& entity) {
   entity_ = &entity;
@@ -114,7 +113,6 @@ void DisplayRecorder::setLineType(std::string_view name) {
 }
 
 // ---- primitives
-// ------------------------------------------------------------------------------------------------
 
 template <class Shape>
 void DisplayRecorder::add(Shape shape, bool drawable) {

@@ -72,7 +72,6 @@ const Command* AcEditor::findCommand(std::string_view name) const {
 }
 
 // ---- running
-// -------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -244,7 +243,6 @@ std::string AcEditor::argumentText(const CommandArg& arg) const {
 }
 
 // ---- the loop
-// ------------------------------------------------------------------------------------------------
 
 void AcEditor::sendText(std::string_view text) {
   state_->sentText += text;

@@ -15,7 +15,6 @@
 namespace tarnex {
 
 // ---- state
-// ---------------------------------------------------------------------------------------------------
 
 bool EditorState::silent() const {
   return !programs.empty() && integer("CMDECHO") == 0;
@@ -49,7 +48,6 @@ void EditorState::writePrompt(std::string_view prompt) {
 }
 
 // ---- making
-// --------------------------------------------------------------------------------------------------
 
 AcEditor::AcEditor(std::unique_ptr<OutputSink> sink) : state_(std::make_unique<State>()) {
   state_->sink = std::move(sink);
@@ -62,7 +60,6 @@ AcEditor::AcEditor(std::unique_ptr<OutputSink> sink) : state_(std::make_unique<S
 AcEditor::~AcEditor() = default;
 
 // ---- drawing
-// -------------------------------------------------------------------------------------------------
 
 AcDbDatabase& AcEditor::database() {
   return *state_->drawing;
@@ -89,7 +86,6 @@ AcRxClassDictionary& AcEditor::classes() {
 }
 
 // ---- output
-// --------------------------------------------------------------------------------------------------
 
 void AcEditor::acutPrintf(const char* pattern, ...) {
   va_list args;
@@ -151,7 +147,6 @@ OutputSink& AcEditor::sink() {
 }
 
 // ---- input
-// ---------------------------------------------------------------------------------------------------
 
 void AcEditor::pushInput(std::shared_ptr<InputSource> source) {
   state_->sources.push_back(std::move(source));
@@ -166,7 +161,6 @@ bool AcEditor::hasInput() const {
 }
 
 // ---- variables and view
-// --------------------------------------------------------------------------------------
 
 std::optional<SysVar> AcEditor::acedGetVar(std::string_view name) const {
   const auto* row = findSysVar(name);
@@ -211,7 +205,6 @@ void AcEditor::zoomExtents() {
 }
 
 // ---- dialogs
-// -------------------------------------------------------------------------------------------------
 
 DialogFrame& AcEditor::acedGetAcadFrame() {
   return *state_->frame;

@@ -88,7 +88,6 @@ class AcEditor {
   AcEditor& operator=(const AcEditor&) = delete;
 
   // ---- drawing
-  // ------------------------------------------------------------------------------------------------
   [[nodiscard]] AcDbDatabase& database();
   void setDatabase(std::unique_ptr<AcDbDatabase> drawing);  // runs the loaded-drawing hooks
   [[nodiscard]] AcRxClassDictionary& classes();             // application classes for reading drawings
@@ -97,7 +96,6 @@ class AcEditor {
       afterUndo;  // run after u, redo, and a command undone since it was interrupted
 
   // ---- output
-  // -------------------------------------------------------------------------------------------------
   void acutPrintf(const char* pattern, ...)
       __attribute__((format(printf, 2, 3)));  // literals of the code only
   void print(std::string_view utf8);
@@ -111,14 +109,13 @@ class AcEditor {
   [[nodiscard]] OutputSink& sink();
 
   // ---- input
-  // -------------------------------------------------------------------------------------------------- Points
-  // that prompts give, and those given to selection and snap, are in the user coordinate system; those of
-  // EntityPick and CommandArg are in the world. Words of one line are answers one after another ("circle 0,0
-  // 5"); a prompt that takes blanks (texts, file names) gets the rest of its line. Quotes hold blanks
-  // together, "" is Enter. A plain point is a pick: the running object snap (OSMODE) works on it, unless it
-  // lies on a curve already. Points written *x,y or @... stay as they are; "mid" and so on before a point
-  // snap once. When no source has anything left, every prompt answers RTCAN. A wrong answer that no person
-  // gave is a failure.
+  // Points that prompts give, and those given to selection and snap, are in the user coordinate system;
+  // those of EntityPick and CommandArg are in the world. Words of one line are answers one after another
+  // ("circle 0,0 5"); a prompt that takes blanks (texts, file names) gets the rest of its line. Quotes hold
+  // blanks together, "" is Enter. A plain point is a pick: the running object snap (OSMODE) works on it,
+  // unless it lies on a curve already. Points written *x,y or @... stay as they are; "mid" and so on before
+  // a point snap once. When no source has anything left, every prompt answers RTCAN. A wrong answer that no
+  // person gave is a failure.
 
   // Sources are stacked: the newest is asked until it ends, then the one below.
   void pushInput(std::shared_ptr<InputSource> source);
@@ -158,13 +155,13 @@ class AcEditor {
   [[nodiscard]] std::optional<EntityPick> draggedPick() const;
 
   // ---- selection
-  // ---------------------------------------------------------------------------------------------- Modes: ""
-  // asks the user (points, w, c, all, last, previous, remove/add, handles &1F, Enter ends), "X" the whole
-  // drawing in drawing order, "W"/"C" window or crossing of two corners, "L" last, "P" previous, "A" all that
-  // is shown, ":$" asks with own prompts. `filter` holds items such as {0,"LINE,ARC"}, {8,"CUT*"}, {62,1};
-  // strings with , and * ?. Nothing found or cancelled: RTERROR or RTCAN. The mode "" with a `first` point
-  // asks nobody and gives all that stands there within the pick box, nearest first. Entities on locked layers
-  // can be selected; but for "X" only what is shown. `previous` is the last set that a user gathered.
+  // Modes: "" asks the user (points, w, c, all, last, previous, remove/add, handles &1F, Enter ends), "X"
+  // the whole drawing in drawing order, "W"/"C" window or crossing of two corners, "L" last, "P" previous,
+  // "A" all that is shown, ":$" asks with own prompts. `filter` holds items such as {0,"LINE,ARC"},
+  // {8,"CUT*"}, {62,1}; strings with , and * ?. Nothing found or cancelled: RTERROR or RTCAN. The mode ""
+  // with a `first` point asks nobody and gives all that stands there within the pick box, nearest first.
+  // Entities on locked layers can be selected; but for "X" only what is shown. `previous` is the last set
+  // that a user gathered.
   struct SelectArgs {
     std::optional<AcGePoint3d> first, second;
     ResBufChain filter;
@@ -186,7 +183,6 @@ class AcEditor {
   [[nodiscard]] std::optional<AcGePoint3d> acedOsnap(const AcGePoint3d& p, std::string_view mode);
 
   // ---- variables and view
-  // -------------------------------------------------------------------------------------
   [[nodiscard]] std::optional<SysVar> acedGetVar(std::string_view name) const;
   [[nodiscard]] bool acedSetVar(std::string_view name,
                                 const SysVar& value);         // false: unknown, read-only, wrong kind
@@ -199,7 +195,6 @@ class AcEditor {
   zoomExtents();  // a screen 4 wide and 3 high shows all that is drawn; the view of an empty drawing stays
 
   // ---- commands
-  // -----------------------------------------------------------------------------------------------
   void addCommand(Command command);
   void removeGroup(std::string_view group);
   [[nodiscard]] const std::vector<Command>& commands() const;  // in registration order; the host's own first
@@ -229,7 +224,6 @@ class AcEditor {
   void sendText(std::string_view text);
 
   // ---- dialogs
-  // ------------------------------------------------------------------------------------------------
   [[nodiscard]] DialogFrame& acedGetAcadFrame();
   void setFrameTexts(std::function<std::string(int)> text, std::function<std::string()> installFolder,
                      int language = 0);

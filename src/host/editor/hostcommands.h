@@ -53,7 +53,6 @@ void setvarCommand(AcEditor& editor);
 void setCommand(AcEditor& editor);
 
 // ---- shared by them
-// -----------------------------------------------------------------------------------------
 
 // A point in the world.
 [[nodiscard]] Answer<AcGePoint3d> askWorldPoint(AcEditor& editor, std::string_view prompt,

@@ -34,7 +34,6 @@ std::optional<OsnapMode> osnapWord(std::string_view text) {
 }  // namespace
 
 // ---- the shared part
-// -----------------------------------------------------------------------------------------
 
 Asking::Asking(AcEditor& editor, EditorState& state)
     : editor_(editor), state_(state), get_(std::exchange(state.initGet, {})) {}
@@ -142,7 +141,6 @@ Answer<AcGePoint3d> Asking::pointOrText(std::string_view prompt, const AcGePoint
 }
 
 // ---- the prompts
-// ---------------------------------------------------------------------------------------------
 
 void AcEditor::acedInitGet(int flags, std::string_view keywords) {
   state_->initGet = {flags, parseKeywords(keywords)};

@@ -85,7 +85,6 @@ std::optional<EntityPick> Asking::entityNamed(const HandleText& named) {
 }
 
 // ---- the dialogue
-// --------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -218,7 +217,6 @@ Answer<SelectionSet> Gathering::run() {
 }  // namespace
 
 // ---- the operations
-// ------------------------------------------------------------------------------------------
 
 Answer<SelectionSet> AcEditor::acedSSGet(std::string_view mode) {
   return acedSSGet(mode, {});

@@ -79,7 +79,6 @@ using Curve = std::variant<LineCurve, RayCurve, ArcCurve, EllipseCurve, NurbsCur
 // time.
 
 // ---- one curve
-// -----------------------------------------------------------------------------------------------
 
 // Every coordinate, radius, bulge, knot and weight is a number below 1e60 in size and the parts fit together:
 // at least one vertex, a ray's direction of length 1, an ellipse's ratio in (0, 1], a degree of 1 to 25, no
@@ -134,7 +133,6 @@ struct Closest {
 [[nodiscard]] std::vector<Curve> split(const Curve& c, std::vector<double> params);
 
 // ---- two curves
-// ----------------------------------------------------------------------------------------------
 
 // Which operand may be taken beyond its ends.
 enum class Extend { kOnBothOperands, kExtendThis, kExtendArg, kExtendBoth };
@@ -147,7 +145,6 @@ enum class Extend { kOnBothOperands, kExtendThis, kExtendArg, kExtendBoth };
 [[nodiscard]] std::vector<AcGePoint2d> intersect(const Curve& a, const Curve& b, Extend mode);
 
 // ---- spans and arcs
-// ------------------------------------------------------------------------------------------
 
 // Span i of a polyline as a line or an arc; the closing span of a closed one has the last index.
 [[nodiscard]] Curve spanCurve(const PolylineCurve& c, std::size_t i);
@@ -160,7 +157,6 @@ enum class Extend { kOnBothOperands, kExtendThis, kExtendArg, kExtendBoth };
 [[nodiscard]] bool insideClosedWalk(std::span<const BulgeVertex> closedWalk, AcGePoint2d p);
 
 // ---- approximations
-// ------------------------------------------------------------------------------------------
 
 // A full ellipse as a closed polyline of arcs: passes the four axis ends, tangents there along the axes,
 // smooth between arcs, nowhere farther from the ellipse than 0.1 % of the minor half axis (8 arcs for a

@@ -251,7 +251,6 @@ TEST_F(Blocks, WhatIsKeptIsLeftOutOfAnExplosion) {
 }
 
 // ---- blocks that mean harm
-// -------------------------------------------------------------------------------------
 
 TEST_F(Blocks, ABlockWithinItselfIsRefusedAndShowsNothing) {
   const auto a = block("A"), b = block("B"), c = block("C");

@@ -21,7 +21,6 @@ const AcGeMatrix3d kMirrorAtY = AcGeMatrix3d::mirroring({0, 0}, {0, 1});  // x b
 const AcGeMatrix3d kStretch = AcGeMatrix3d::scaling(2, 1, 1);
 
 // ---- transformations
-// -------------------------------------------------------------------------------------------
 
 TEST(Arc, StaysCounterClockwiseWhenMirrored) {
   AcDbArc arc({10, 0, 5}, 2, 0, kPi / 2);  // from (12,0) to (10,2)
@@ -126,7 +125,6 @@ TEST(Spline, FollowsAnyMatrix) {
 }
 
 // ---- curves
-// ----------------------------------------------------------------------------------------------------
 
 TEST(Curve, PointsLiftedOffThePlaneKeepTheirHeight) {
   const AcDbLine line({0, 0, 5}, {10, 0, 5});
@@ -248,7 +246,6 @@ TEST(HeavyPolyline, BecomesALightOneOfTheDrawnShape) {
 }
 
 // ---- snaps, drawing, listing
-// -----------------------------------------------------------------------------------
 
 std::vector<AcGePoint3d> snaps(const AcDbEntity& e, OsnapMode mode, AcGePoint3d pick, AcGePoint3d last = {}) {
   std::vector<AcGePoint3d> points;

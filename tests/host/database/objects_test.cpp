@@ -120,7 +120,6 @@ TEST_F(Objects, ExtendedDataIsKeptByApplication) {
 }
 
 // ---- handles
-// ---------------------------------------------------------------------------------------------------
 
 TEST_F(Objects, HandlesAreTakenAsAskedOrTheNextFree) {
   const auto handle = [&](AcDbObjectId of) { return db.peek<AcDbObject>(of)->handle(); };
@@ -161,7 +160,6 @@ TEST(HandleIndex, FindsAnyOrderAndForgetsWhatIsRemoved) {
 }
 
 // ---- tables and dictionaries
-// -----------------------------------------------------------------------------------
 
 TEST_F(Objects, AnEmptyDrawingHasWhatEveryDrawingNeeds) {
   EXPECT_EQ(db.layerName(db.layer("0")), "0");
@@ -262,7 +260,6 @@ TEST(Classes, TheTreeIsWalkedAndNamesAreUnique) {
 }
 
 // ---- change feed
-// -----------------------------------------------------------------------------------------------
 
 TEST_F(Objects, TheFeedNamesWhatWasTouchedOnceInOrder) {
   const auto second = db.appendAcDbEntity(db.modelSpace(), line());

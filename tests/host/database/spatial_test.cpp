@@ -84,7 +84,6 @@ TEST(BoxTree, ManyEqualBoxesAreAllFound) {
 }
 
 // ---- the drawing's index
-// ---------------------------------------------------------------------------------------
 
 std::unique_ptr<AcDbLine> lineAcross(const Extents2d& b) {
   return std::make_unique<AcDbLine>(solid(b.low), solid(b.high));

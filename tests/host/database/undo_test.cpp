@@ -193,7 +193,6 @@ TEST(Undo, KnowsWhetherTheDrawingDiffersFromWhatWasSaved) {
 }
 
 // ---- random work
-// -----------------------------------------------------------------------------------------------
 
 class Worker {
  public:

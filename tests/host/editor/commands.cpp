@@ -140,7 +140,6 @@ TEST(Commands, EnterRepeatsForAPersonAndNotInAScript) {
 }
 
 // ---- variables
-// -----------------------------------------------------------------------------------------------
 
 TEST(Variables, KindsRangesAndReadOnly) {
   Session s;

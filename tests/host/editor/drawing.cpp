@@ -143,7 +143,6 @@ TEST(Editing, ExplodedPolylinesKeepTheirShape) {
 }
 
 // ---- trim
-// ----------------------------------------------------------------------------------------------------
 
 TEST(Trim, LinesBetweenAndBeyondEdges) {
   Session s;

@@ -149,7 +149,6 @@ TEST(Prompts, YesAndNo) {
 }
 
 // ---- object snap
-// ---------------------------------------------------------------------------------------------
 
 TEST(Snap, SingleModesReachBeyondTheTarget) {
   Session s;

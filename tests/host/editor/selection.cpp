@@ -135,7 +135,6 @@ TEST(Selection, TheDrawingWalkedEntityByEntity) {
 }
 
 // ---- filters
-// -------------------------------------------------------------------------------------------------
 
 TEST(Filters, Wildcards) {
   struct Case {
