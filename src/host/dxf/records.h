@@ -32,7 +32,7 @@ struct StoredRecord {
 // The 310 chunks of the object at `offset`.
 [[nodiscard]] std::string xrecordBytes(TagReader tags, std::size_t offset);
 
-inline constexpr std::size_t kChunk = 127;                  // bytes in one chunk
-inline constexpr std::size_t kRecordPerVertex = 12 * 1024;  // bytes of a record on one VERTEX
+inline constexpr std::size_t kChunk = 127;                               // bytes in one chunk
+inline constexpr std::size_t kRecordPerVertex = std::size_t{12} * 1024;  // bytes of a record on one VERTEX
 
 }  // namespace tarnex

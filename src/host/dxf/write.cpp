@@ -8,8 +8,8 @@
 namespace tarnex {
 namespace {
 
-constexpr std::size_t kPiece = 64 * 1024;  // bytes handed to the sink at once
-constexpr int kLastOrder = 1000;           // ends of sections come behind what goes into them
+constexpr std::size_t kPiece = std::size_t{64} * 1024;  // bytes handed to the sink at once
+constexpr int kLastOrder = 1000;                        // ends of sections come behind what goes into them
 
 }  // namespace
 
