@@ -2,6 +2,7 @@
 // Knows the registry's stand-in and the environment; no record and no catalogue text.
 #include "frame/folders.h"
 
+#include "frame/cataloglanguage.h"
 #include "host/platform/files.h"
 #include "host/platform/format.h"
 #include "host/platform/system.h"
@@ -78,14 +79,7 @@ int language() {
 }
 
 std::string messageFilePath(std::string_view install, int languageNumber) {
-  switch (languageNumber) {
-    case 2:
-      return dataFile(install, "VornGb.tgf");
-    case 3:
-      return dataFile(install, "VornBig5.tgf");
-    default:
-      return dataFile(install, "VornEn.tgf");
-  }
+  return dataFile(install, catalogFileName(languageNumber));
 }
 
 std::string dialogLibraryPath(std::string_view install) {

@@ -6,6 +6,7 @@
 
 #include "contour/geometrylibrary.h"
 #include "contour/hosthelpers.h"
+#include "frame/cataloglanguage.h"
 #include "frame/dialoglibrary.h"
 #include "frame/drawingvars.h"
 #include "host/platform/codepage.h"
@@ -49,7 +50,8 @@ class ProgramWriter {
     end();
     program_.unnumbered(stop_);
     // The text goes as soon as its bytes stand: a program is as long as the drawing that it was made from.
-    const std::string bytes = fromUtf8(std::exchange(program_.text, {}), codePageOf(module_.language));
+    const std::string bytes =
+        fromUtf8(std::exchange(program_.text, {}), catalogLanguage(module_.language).writePage);
     waitForEditorsOf(module_, path);
     if (const auto failure = writeFileAtomically(path, bytes)) {
       module_.editor.messageBox(module_.message(37) + "\n" + failure->text(), MB_ICONSTOP);
@@ -63,9 +65,6 @@ class ProgramWriter {
  private:
   static bool isAbsolute(const std::string& name) {
     return !name.empty() && (name[0] == '/' || name[0] == '\\' || (name.size() > 1 && name[1] == ':'));
-  }
-  static const char* codePageOf(int language) {
-    return language == 2 ? "GB18030" : language == 3 ? "BIG5" : "CP1252";
   }
 
   void header(const std::string& name) {

@@ -78,17 +78,33 @@ void JobSteps::restoreLayers() {
   turnedOff_.clear();
 }
 
+// Entities of a reference's block that taking it apart leaves out.
+std::size_t JobSteps::keptInside(AcDbObjectId reference) const {
+  AcDbDatabase& drawing = session_.drawing();
+  const auto* insert = drawing.peek<AcDbBlockReference>(reference);
+  const auto* block = insert ? drawing.peek<AcDbBlockTableRecord>(insert->blockTableRecord()) : nullptr;
+  if (!block) return 0;
+  const auto& inside = block->entities();
+  return static_cast<std::size_t>(std::count_if(inside.begin(), inside.end(), [&](AcDbObjectId id) {
+    return drawing.peek<AcDbKeptEntity>(id) != nullptr;
+  }));
+}
+
 void JobSteps::takeBlocksApart(std::vector<std::string>& said) {
   constexpr int kDeepest = 64;  // blocks in blocks; a drawing that nests deeper isn't a part
-  std::size_t count = 0;
+  std::size_t count = 0, lost = 0;
   for (int depth = 0; depth < kDeepest; ++depth) {
     const auto inserts = shownOf<AcDbBlockReference>();
     if (inserts.empty()) break;
     count += inserts.size();
+    for (AcDbObjectId id : inserts) lost += keptInside(id);
     session_.run({"explode", named(inserts), ""});
     if (shownOf<AcDbBlockReference>() == inserts) break;  // what can't be taken apart stays
   }
   if (count > 0) said.push_back(formatted("%zu block references taken apart", count));
+  if (lost > 0)
+    said.push_back(
+        formatted("%zu dimensions, hatches or unknown entities inside them could not be taken along", lost));
   std::vector<AcDbObjectId> open = shownOf<AcDb2dPolyline>();
   std::erase_if(open,
                 [&](AcDbObjectId id) { return session_.drawing().peek<AcDb2dPolyline>(id)->isClosed(); });
@@ -117,13 +133,9 @@ void JobSteps::joinLooseCurves(const LooseSurvey& loose, std::optional<double> g
   for (AcDbObjectId id : shownOf<AcDbEllipse>())
     if (session_.drawing().peek<AcDbEllipse>(id)->isClosed()) others.push_back(id);
   if (others.empty()) return;
-  session_.run({"AJ", everythingIsJoined(loose) ? "all" : named(others), "",
-                shortestNumber(gap.value_or(kSamePoint))});
-}
-
-// A long list of handles is left out where the word for it means the same.
-bool JobSteps::everythingIsJoined(const LooseSurvey& loose) const {
-  return loose.open.empty();
+  // A long list of handles is left out where the word for it means the same.
+  session_.run(
+      {"AJ", loose.open.empty() ? "all" : named(others), "", shortestNumber(gap.value_or(kSamePoint))});
 }
 
 ContourSurvey JobSteps::survey(const LooseSurvey& loose) const {

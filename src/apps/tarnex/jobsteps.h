@@ -39,7 +39,7 @@ class JobSteps {
   [[nodiscard]] std::string whatIsThere(const DxfReport& read, const ContourSurvey& found) const;
 
  private:
-  bool everythingIsJoined(const LooseSurvey& loose) const;
+  std::size_t keptInside(AcDbObjectId reference) const;
   std::string named(const std::vector<AcDbObjectId>& ids) const;  // "&1F &20 ..."
   template <class T>
   std::vector<AcDbObjectId> shownOf() const;
