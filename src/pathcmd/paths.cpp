@@ -120,6 +120,17 @@ void numberPath(AcDbDatabase& drawing, PathState& state, AcDbObjectId id, int nu
   state.lastEnd = path->getEndPoint(true);
 }
 
+PathDisplay pathDisplay(Module& module) {
+  PathDisplay display;
+  display.settings = &module.settings;
+  display.bOrderMode = module.bOrderMode;
+  display.bShowMatchLines = module.bShowMatchLines;
+  display.ptOrigin = module.drawing().ucsorg;
+  display.pathCount = static_cast<int>(module.state<PathState>().PathList.size());
+  readTransitChains(module.drawing(), display);
+  return display;
+}
+
 void renumberAll(AcDbDatabase& drawing, PathState& state) {
   state.lastEnd = kNoLastEnd;
   int number = 0;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "frame/module.h"
+#include "toolpath/display.h"
 #include "toolpath/toolpath.h"
 
 namespace tarnex {
@@ -22,6 +23,9 @@ void numberPath(AcDbDatabase& drawing, PathState& state, AcDbObjectId id, int nu
 void renumberAll(AcDbDatabase& drawing, PathState& state);
 // Reads all paths of the drawing, sorted by their numbers, and the display values that the drawing holds.
 void rebuildPathList(Module& module);
+// What the paths' drawing depends on, as it stands now: the context for DisplayOptions. Holds the module's
+// settings, not a copy.
+[[nodiscard]] PathDisplay pathDisplay(Module& module);
 // Removes the last path and brings its source back.
 void undoLastPath(AcDbDatabase& drawing, PathState& state);
 // Nearest-neighbour order from the path at `first` to the one at `last`, then new numbers.

@@ -8,7 +8,6 @@
 #include "host/display/svg.h"
 #include "host/platform/format.h"
 #include "pathcmd/paths.h"
-#include "toolpath/display.h"
 
 namespace tarnex {
 
@@ -220,15 +219,10 @@ std::string sentenceOf(const WireWarning& w) {
 }
 
 std::optional<FileError> plotPaths(Session& session, const std::string& path) {
-  Module& module = session.module();
-  PathDisplay display;
-  display.settings = &module.settings;
-  display.ptOrigin = module.drawing().ucsorg;
-  display.pathCount = static_cast<int>(module.state<PathState>().PathList.size());
-  readTransitChains(module.drawing(), display);
+  const PathDisplay display = pathDisplay(session.module());
   DisplayOptions options;
   options.applicationContext = &display;
-  return writeSvg(path, buildDisplayList(module.drawing(), options));
+  return writeSvg(path, buildDisplayList(session.drawing(), options));
 }
 
 }  // namespace tarnex
