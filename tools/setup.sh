@@ -3,14 +3,16 @@
 # usage: tools/setup.sh            needs root or a sudo that asks nothing; with nothing missing it needs neither
 set -euo pipefail
 
-# Needed to build and test; the rest makes builds quick, checks the style or adds line editing, benchmarks.
+# Needed to build and test; the rest makes builds quick, checks the style or adds line editing, plots to PDF and
+# PNG, benchmarks.
 needed=(cmake ninja-build g++ libgtest-dev libgmock-dev librapidcheck-dev libcli11-dev nlohmann-json3-dev
         libpolyclipping-dev python3 python3-ezdxf git)
-useful=(ccache lld clang-format clang-tidy libedit-dev libbenchmark-dev)
+useful=(ccache lld clang-format clang-tidy libedit-dev libcairo2-dev pkg-config libbenchmark-dev libfmt-dev)
 
 # A tool counts as there when its command runs, whoever installed it.
 declare -A command_of=([cmake]=cmake [ninja-build]=ninja [g++]=g++ [python3]=python3 [git]=git [ccache]=ccache
-                       [lld]=ld.lld [clang-format]=clang-format [clang-tidy]=clang-tidy)
+                       [lld]=ld.lld [pkg-config]=pkg-config
+                       [clang-format]=clang-format [clang-tidy]=clang-tidy)
 
 is_there() {
   local command=${command_of[$1]:-}

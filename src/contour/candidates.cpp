@@ -1,10 +1,10 @@
 // The candidates of a chain and the index of their ends: buckets of grid cells.
 // Knows points and order only.
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 #include "contour/chaining.h"
+#include "contour/geometrylibrary.h"
 
 namespace tarnex {
 
@@ -26,45 +26,29 @@ void ChainCandidates::link(std::uint32_t entry, int end) {
   buckets_[b] = static_cast<std::int32_t>(entry * 2 + static_cast<std::uint32_t>(end));
 }
 
+// Entries are put into buckets when somebody asks, all at once. From the last to the first, each at the head:
+// so every chain runs in order.
 void ChainCandidates::rebuild() {
   std::erase_if(entries_, [](const Entry& e) { return !e.alive; });
   if (!inOrder_)
     std::stable_sort(entries_.begin(), entries_.end(), [](auto& a, auto& b) { return a.order < b.order; });
   inOrder_ = true;
   firstAlive_ = 0;
-  Extents2d box;
+  double size = 0;
   for (const Entry& e : entries_)
-    for (AcGePoint2d p : e.ends) box.add(p);
-  // About one end a cell, and never finer than the reach of a query.
-  if (!box.empty())
-    cell_ = std::max({(box.high - box.low).length() / std::sqrt(2.0 * static_cast<double>(entries_.size())),
-                      finest_,
-                      roundoff(std::max({std::abs(box.low.x), std::abs(box.low.y), std::abs(box.high.x),
-                                         std::abs(box.high.y)})),
-                      1e-9});
+    for (AcGePoint2d p : e.ends) size = std::max({size, std::abs(p.x), std::abs(p.y)});
+  // A query mostly falls into one cell, and few ends that don't touch share it, however the drawing lies.
+  constexpr double kCellOverReach = 16;
+  cell_ = std::max(kCellOverReach * std::max(finest_, kSamePoint), roundoff(size));
   std::size_t count = 64;
   while (count < entries_.size() * 4) count *= 2;
   buckets_.assign(count, -1);
-  for (std::uint32_t i = 0; i < entries_.size(); ++i) {
-    slots_[entries_[i].id.index] = i;
-    link(i, 0);
-    link(i, 1);
+  for (std::size_t i = entries_.size(); i-- > 0;) {
+    slots_[entries_[i].id.index] = static_cast<std::uint32_t>(i);
+    link(static_cast<std::uint32_t>(i), 1);
+    link(static_cast<std::uint32_t>(i), 0);
   }
   linked_ = entries_.size();
-}
-
-// Entries are put into buckets when somebody asks, so that many can come without the index growing step by
-// step.
-void ChainCandidates::linkNew() {
-  if (linked_ == entries_.size()) return;
-  if (entries_.size() * 2 > buckets_.size()) {
-    rebuild();
-    return;
-  }
-  for (; linked_ < entries_.size(); ++linked_) {
-    link(static_cast<std::uint32_t>(linked_), 0);
-    link(static_cast<std::uint32_t>(linked_), 1);
-  }
 }
 
 void ChainCandidates::add(AcDbObjectId id, AcGePoint2d start, AcGePoint2d end, std::uint64_t order) {
@@ -99,38 +83,62 @@ AcDbObjectId ChainCandidates::first() const {
   return firstAlive_ < entries_.size() ? entries_[firstAlive_].id : AcDbObjectId{};
 }
 
-void ChainCandidates::touching(AcGePoint2d p, double tolerance, std::vector<AcDbObjectId>& found) {
-  found.clear();
-  linkNew();
-  if (buckets_.empty()) return;
-  if (tolerance > 2 * cell_) {
-    finest_ = tolerance;
+void ChainCandidates::bucketsAround(AcGePoint2d p, double tolerance) {
+  links_.clear();
+  if (linked_ != entries_.size() || tolerance > 2 * cell_) {
+    finest_ = std::max(finest_, tolerance);
     rebuild();
   }
-  std::vector<const Entry*> hits;
-  std::array<std::size_t, 64> visited{};  // a query reaches over two cells and a bit at most
-  std::size_t visits = 0;
+  if (buckets_.empty()) return;
   const double reach = tolerance + roundoff(std::max(std::abs(p.x), std::abs(p.y)));
   for (std::int64_t cx = cellOf(p.x - reach); cx <= cellOf(p.x + reach); ++cx)
     for (std::int64_t cy = cellOf(p.y - reach); cy <= cellOf(p.y + reach); ++cy) {
-      const std::size_t b = bucketOf(cx, cy);
-      if (std::find(visited.begin(), visited.begin() + static_cast<long>(visits), b) !=
-          visited.begin() + static_cast<long>(visits))
-        continue;
-      visited[visits++] = b;
-      for (std::int32_t at = buckets_[b]; at >= 0;) {
-        const Entry& e = entries_[static_cast<std::size_t>(at / 2)];
-        const AcGeVector2d off = e.ends[at % 2] - p;
-        if (e.alive && std::abs(off.x) <= tolerance && std::abs(off.y) <= tolerance &&
-            off.length() <= tolerance)
-          hits.push_back(&e);
-        at = e.next[at % 2];
-      }
+      std::int32_t* head = &buckets_[bucketOf(cx, cy)];
+      if (std::find(links_.begin(), links_.end(), head) == links_.end()) links_.push_back(head);
     }
-  std::sort(hits.begin(), hits.end(),
-            [](auto* a, auto* b) { return a->order != b->order ? a->order < b->order : a < b; });
-  hits.erase(std::unique(hits.begin(), hits.end()), hits.end());
-  for (const Entry* e : hits) found.push_back(e->id);
+}
+
+// From `link` on, the link to the next end within the tolerance, or one to nothing. Dead entries on the way
+// leave the chain, so that nobody walks over them twice.
+std::int32_t* ChainCandidates::nextHit(std::int32_t* link, AcGePoint2d p, double tolerance) {
+  while (*link >= 0) {
+    Entry& e = entries_[static_cast<std::size_t>(*link / 2)];
+    const int end = *link % 2;
+    const AcGeVector2d off = e.ends[end] - p;
+    if (!e.alive)
+      *link = e.next[end];
+    else if (std::abs(off.x) <= tolerance && std::abs(off.y) <= tolerance && off.length() <= tolerance)
+      return link;
+    else
+      link = &e.next[end];
+  }
+  return link;
+}
+
+AcDbObjectId ChainCandidates::firstTouching(AcGePoint2d p, double tolerance,
+                                            const std::function<bool(AcDbObjectId)>& take) {
+  bucketsAround(p, tolerance);
+  for (std::int32_t*& link : links_) link = nextHit(link, p, tolerance);
+  std::int32_t told = -1;  // an entry that touches with both ends is told once
+  for (;;) {
+    std::int32_t** first = nullptr;
+    for (std::int32_t*& link : links_)
+      if (*link >= 0 && (!first || *link < **first)) first = &link;
+    if (!first) return {};
+    const std::int32_t entry = **first / 2;
+    Entry& e = entries_[static_cast<std::size_t>(entry)];
+    if (entry != told && take(e.id)) return e.id;
+    told = entry;
+    *first = nextHit(&e.next[**first % 2], p, tolerance);
+  }
+}
+
+void ChainCandidates::touching(AcGePoint2d p, double tolerance, std::vector<AcDbObjectId>& found) {
+  found.clear();
+  (void)firstTouching(p, tolerance, [&](AcDbObjectId id) {
+    found.push_back(id);
+    return false;
+  });
 }
 
 std::vector<AcDbObjectId> ChainCandidates::remaining() const {

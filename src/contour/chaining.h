@@ -3,6 +3,7 @@
 // their ends; whether a contour has to be closed is its users' rule.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -23,6 +24,10 @@ class ChainCandidates {
   [[nodiscard]] AcDbObjectId first() const;  // null when there are none
   // Candidates with an end within `tolerance` of p (inclusive), in order. Fills `found`.
   void touching(AcGePoint2d p, double tolerance, std::vector<AcDbObjectId>& found);
+  // The same one by one, until `take` says true: its candidate; null when it never does. What comes after it
+  // isn't looked at, so that thousands of ends at one place cost no more than a few. `take` leaves the
+  // candidates alone.
+  AcDbObjectId firstTouching(AcGePoint2d p, double tolerance, const std::function<bool(AcDbObjectId)>& take);
   [[nodiscard]] std::vector<AcDbObjectId> remaining() const;  // in order
 
  private:
@@ -30,14 +35,15 @@ class ChainCandidates {
     AcDbObjectId id;
     std::uint64_t order = 0;
     AcGePoint2d ends[2];
-    std::int32_t next[2] = {-1, -1};  // chains of the buckets
+    std::int32_t next[2] = {-1, -1};  // chains of the buckets, in order: entry * 2 + end
     bool alive = true;
   };
   [[nodiscard]] std::size_t bucketOf(std::int64_t cellX, std::int64_t cellY) const;
   [[nodiscard]] std::int64_t cellOf(double v) const;
   void link(std::uint32_t entry, int end);
-  void linkNew();
   void rebuild();
+  void bucketsAround(AcGePoint2d p, double tolerance);
+  [[nodiscard]] std::int32_t* nextHit(std::int32_t* link, AcGePoint2d p, double tolerance);
 
   std::vector<Entry> entries_;
   static constexpr std::uint32_t kNoSlot = 0xFFFFFFFF;
@@ -48,6 +54,7 @@ class ChainCandidates {
   double cell_ = 1.0, finest_ = 0;  // mm
   mutable std::size_t firstAlive_ = 0;
   bool inOrder_ = true;
+  std::vector<std::int32_t*> links_;  // of a query: the next hit of every bucket that it looks at
 };
 
 // Fills `candidates` from the set, in set order, and changes the drawing on the way: open two-vertex

@@ -158,22 +158,20 @@ class Taker {
 
   // The first candidate, in order, that touches the chain's end and can be changed; it is erased and taken.
   const PolylineCurve* touching(AcGePoint2d tail) {
-    candidates_.touching(tail, tolerance_, found_);
-    for (AcDbObjectId id : found_) {
+    const AcDbObjectId taken = candidates_.firstTouching(tail, tolerance_, [this](AcDbObjectId id) {
       auto entity = drawing_.open<AcDbEntity>(id, OpenMode::kForWrite);
-      if (!entity || !takeSpans(*entity, spans_)) continue;
+      if (!entity || !takeSpans(*entity, spans_)) return false;
       entity->erase();
-      candidates_.remove(id);
-      return &spans_;
-    }
-    return nullptr;
+      return true;
+    });
+    candidates_.remove(taken);
+    return taken.isNull() ? nullptr : &spans_;
   }
 
  private:
   AcDbDatabase& drawing_;
   ChainCandidates& candidates_;
   const double tolerance_;
-  std::vector<AcDbObjectId> found_;
   PolylineCurve spans_;
 };
 

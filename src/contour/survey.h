@@ -31,7 +31,8 @@ struct OpenChain {
 
 struct BranchPoint {
   AcGePoint2d at;
-  int ends = 0;  // curve ends that meet there, three or more
+  int ends = 0;     // curve ends that meet there, three or more
+  AcDbObjectId id;  // one of the curves
 };
 
 struct DoubledCurve {

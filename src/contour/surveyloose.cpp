@@ -122,7 +122,8 @@ void walkEnds(const std::vector<LooseCurve>& curves, Components& components, std
     for (; j < keys.size() && keys[j].sameCell(keys[i]); ++j) components.join(keys[i].index, keys[j].index);
     if (j - i == 1) freeEnds.push_back({keys[i].index, endInCell(curves[keys[i].index], keys[i])});
     if (j - i > 2) {
-      branches.push_back({endInCell(curves[keys[i].index], keys[i]), static_cast<int>(j - i)});
+      branches.push_back(
+          {endInCell(curves[keys[i].index], keys[i]), static_cast<int>(j - i), curves[keys[i].index].id});
       components.markBranched(keys[i].index);
     }
     i = j;

@@ -40,8 +40,9 @@ void takeNumber(UserInput& input, const std::string& text) {
   }
   long long value = 0;
   input.kind = InputKind::kInteger;
-  if (parseInteger(text, value))
-    input.intValue = static_cast<int>(std::clamp<long long>(value, INT32_MIN, INT32_MAX));
+  const bool tooLong = !parseInteger(text, value) && text.find_first_of("0123456789") != std::string::npos;
+  if (tooLong) value = text[0] == '-' ? INT32_MIN : INT32_MAX;
+  input.intValue = static_cast<int>(std::clamp<long long>(value, INT32_MIN, INT32_MAX));
 }
 
 // What stands at the point becomes the answer; nothing there leaves the point.

@@ -12,6 +12,10 @@ constexpr double kTip = 4;  // compensations from a corner to the tip of the wir
 constexpr double kOpenEnd = 5;  // compensations that a wire may run past the end of an open contour: its
                                 // lead-in meets the drawn-out offset at 11 degrees then
 
+constexpr double kSameHeading = 0.999;  // least cosine between two ways along the same line
+constexpr double kNoRepeat =
+    50;  // of the perimeter: a smaller part may be run twice where the wire just fits
+
 long long number(const Step& s) {
   return static_cast<long long>(s.line->number);
 }
@@ -272,13 +276,34 @@ void findSideAndDirection(Measuring& m) {
                                directionName(m.report.direction), directionName(m.figure.direction)));
 }
 
+// How much nearer the overcut along the tangent comes than the compensation, mm; told, since it cuts into the
+// part.
+double tangentNears(Measuring& m) {
+  double most = 0;
+  const Step* worst = nullptr;
+  for (const Step& s : m.path.steps) {
+    if (s.role != Role::kTangent) continue;
+    const double nearer = m.outline.compensation - nearestApproach(m.outline, s.stroke).distance;
+    if (nearer > most) most = nearer, worst = &s;
+  }
+  if (worst && most > worst->allowedTowards())
+    m.findings.note(
+        FindingKind::kOvercut, m.at(*worst, worst->stroke.end),
+        formatted("block %lld: the overcut along the tangent comes %.4f mm nearer to the contour of "
+                  "figure %d than the compensation",
+                  number(*worst), most, m.figure.number));
+  return most;
+}
+
 void measureDistances(Measuring& m) {
   const double c = m.outline.compensation;
+  const double tangent = tangentNears(m);
   Tally near;
   double cutTooNear = 0;
   for (const Step& s : m.path.steps) {
     if (s.role == Role::kSpike || s.role == Role::kTangent || s.role == Role::kCode) continue;
     const Closest closestHere = nearestApproach(m.outline, s.stroke);
+    if (s.role == Role::kReturn && c - closestHere.distance <= tangent + kAllowance) continue;
     if (!measured(s.role) && tellCrossing(m, s, closestHere)) continue;
     near.take(s, closestHere.onFirst, c - closestHere.distance, s.allowedTowards());
     if (measured(s.role) && c - closestHere.distance > s.allowedTowards())
@@ -310,6 +335,7 @@ void measureEnds(Measuring& m) {
             m.path.rounding));
     return;
   }
+  if (m.figure.marks) return;  // the overcut is looked at on its own
   if (steps.size() < 3 || m.report.uncovered > 0 || last.role != Role::kReturn) return;
   const Point entry = steps.front().role == Role::kLead ? steps.front().stroke.end : m.path.start();
   const Point exit = last.stroke.start;
@@ -324,6 +350,43 @@ void measureEnds(Measuring& m) {
           "block %lld: the wire leaves the contour of figure %d at (%.4f, %.4f), %.4f mm past its entry; "
           "an overcut of %.4f mm was expected",
           number(last), m.figure.number, exit.x, exit.y, past, m.expected.overcut));
+}
+
+// Looks at each cut from an earlier one's side. What the overcut runs again is allowed.
+void measureRepeats(Measuring& m) {
+  std::vector<Stroke> strokes;
+  std::vector<const Step*> owners;
+  for (const Step& s : m.path.steps)
+    if (measured(s.role)) strokes.push_back(s.stroke), owners.push_back(&s);
+  const Nearby wire(std::move(strokes));
+  constexpr int kSamples = 4;
+  double repeated = 0;
+  const Step* first = nullptr;
+  for (std::size_t i = 1; i < owners.size(); ++i) {
+    const Step& s = *owners[i];
+    const double reach = kAllowance + m.path.steps.back().before - owners[0]->before;
+    const double part = lengthOf(s.stroke) / kSamples;
+    if (part <= reach) continue;  // as short as what rounding explains
+    for (int k = 0; k < kSamples; ++k) {
+      const double t = (k + 0.5) / kSamples;
+      const Point p = at(s.stroke, t);
+      bool again = false;
+      wire.within(boxOf(p), reach, [&](std::size_t j) {
+        if (again || j >= i) return;
+        const Foot f = nearest(wire.strokes()[j], p);
+        again = f.distance <= reach && f.t > 0 && f.t < 1 &&
+                dot(heading(wire.strokes()[j], f.t), heading(s.stroke, t)) > kSameHeading;
+      });
+      if (!again) continue;
+      repeated += part;
+      if (!first) first = &s;
+    }
+  }
+  if (!first || repeated <= 2 * m.expected.overcut + m.outline.perimeter / kNoRepeat) return;
+  m.findings.fault(
+      FindingKind::kRepeated, m.at(*first, first->stroke.start),
+      formatted("block %lld: from (%.4f, %.4f) on the wire runs %.4f mm along its own way a second time",
+                number(*first), first->stroke.start.x, first->stroke.start.y, repeated));
 }
 
 }  // namespace tarnex::truth

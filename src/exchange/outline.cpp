@@ -11,6 +11,7 @@ namespace {
 
 constexpr double kNoLength = 1e-9;       // mm; shorter spans have no direction
 constexpr double kFarthest = 1e9;        // mm; coordinates beyond can't be told to a micrometre
+constexpr double kOneCount = 0.0015;     // mm; a count in x and in y, with what the sum rounds to
 constexpr double kSameMove = 0.002;      // mm; two counts: both ends of a computed spike are rounded
 constexpr double kClearlyBetter = 1e-4;  // mm; by which the other reading of a start must fit better
 
@@ -28,12 +29,14 @@ std::vector<Stroke> circleStrokes(const CircleFigure& c) {
   return out;
 }
 
-std::vector<Stroke> polylineStrokes(const PolylineCurve& c) {
+std::vector<Stroke> polylineStrokes(const PolylineCurve& c, std::vector<std::size_t>& spans) {
   std::vector<Stroke> out;
   for (std::size_t i = 0; i < c.spanCount(); ++i) {
     const BulgeVertex& a = c.vertices[i];
     const BulgeVertex& b = c.vertices[(i + 1) % c.vertices.size()];
-    if (dist(a.point, b.point) > kNoLength) out.push_back(spanStroke(a.point, b.point, a.bulge));
+    if (dist(a.point, b.point) <= kNoLength) continue;
+    out.push_back(spanStroke(a.point, b.point, a.bulge));
+    spans.push_back(i);
   }
   return out;
 }
@@ -101,12 +104,6 @@ Vec wantedSpike(Vec in, Vec out, double dFix) {
   return unit(-inward) * (dFix / std::sin(angle / 2) - dFix);
 }
 
-bool outAndBack(const Step& a, const Step& b) {
-  const Move3b &p = a.line->move, &q = b.line->move;
-  if (p.kind != 'L' || q.kind != 'L' || p.bx != q.bx || p.by != q.by || p.bj != q.bj) return false;
-  return dist(a.stroke.start, b.stroke.end) < kNoLength && lengthOf(a.stroke) > kNoLength;
-}
-
 void giveSpikes(Measuring& m) {
   auto& steps = m.path.steps;
   for (std::size_t i = 1; i + 2 < steps.size(); ++i) {
@@ -133,6 +130,13 @@ void giveSpikes(Measuring& m) {
 
 }  // namespace
 
+// Halves of a count are rounded upward both ways: the way back may be a count shorter.
+bool outAndBack(const Step& a, const Step& b) {
+  if (a.stroke.arc || b.stroke.arc) return false;
+  const double length = lengthOf(a.stroke), apart = dist(a.stroke.start, b.stroke.end);
+  return length > kNoLength && (apart < kNoLength || (apart < kOneCount && length > 2 * kOneCount));
+}
+
 void Findings::add(FindingKind kind, Grade grade, const Place& where, std::string sentence) {
   ++(grade == Grade::kFault ? report_.faults : report_.notes);
   if (report_.findings.size() >= kFindingsKept) return;
@@ -150,12 +154,13 @@ std::pair<std::size_t, std::size_t> Outline::meeting(std::size_t i, bool atEnd) 
 std::optional<Outline> outlineOf(const Figure& figure, std::string& refusal) {
   refusal = whyRefused(figure);
   if (!refusal.empty()) return std::nullopt;
-  auto strokes = figure.circle ? circleStrokes(*figure.circle) : polylineStrokes(figure.contour);
+  Outline o;
+  auto strokes =
+      figure.circle ? circleStrokes(*figure.circle) : polylineStrokes(figure.contour, o.figureSpans);
   if (strokes.empty()) {
     refusal = "all its points are one";
     return std::nullopt;
   }
-  Outline o;
   o.closed =
       figure.circle || figure.contour.closed || dist(strokes.front().start, strokes.back().end) <= kAllowance;
   o.insideIsLeft = areaOf(strokes) >= 0 ? 1 : -1;
@@ -170,10 +175,12 @@ WirePath walkLines(const Line3b* first, const Line3b* last, const WalkFrom& from
   path.rounding = from.unsure;
   Point here = from.start;
   for (const Line3b* line = first; line != last; ++line) {
+    if (line->kind == LineKind::kPause && !path.steps.empty()) ++path.steps.back().pauses;
     if (line->kind == LineKind::kPause) continue;
     if (!path.first) path.first = line;
     path.last = line;
     ++path.blocks;
+    if (!line->text.empty() || line->kind == LineKind::kCode) path.codes.push_back({path.steps.size(), line});
     if (line->kind != LineKind::kMove) continue;
     Walked w = walkMove(line->move);
     Step s;
@@ -202,6 +209,7 @@ void giveRoles(Measuring& m) {
   const bool returned = dist(last.stroke.end, m.path.start()) <= kAllowance + m.path.rounding ||
                         dist(last.stroke.end, m.path.start()) < dist(last.stroke.end, entry);
   if (m.outline.closed && steps.size() > 1 && returned && !last.stroke.arc) last.role = Role::kReturn;
+  if (m.figure.marks) return;  // each step, and the overcut, is looked at on its own
   giveSpikes(m);
   if (!m.expected.overcutTangent || m.expected.overcut <= 0) return;
   for (std::size_t i = steps.size() > 3 ? steps.size() - 3 : 1; i + 1 < steps.size(); ++i) {

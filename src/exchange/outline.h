@@ -20,6 +20,7 @@ struct Outline {
   int insideIsLeft = 1;     // 1: the inside of a closed contour lies left of its order, -1: right
   double compensation = 0;  // mm
   double perimeter = 0;     // mm
+  std::vector<std::size_t> figureSpans;  // of each span, the contour's span; empty for a circle
   [[nodiscard]] const Stroke& span(std::size_t i) const { return spans.strokes()[i]; }
   [[nodiscard]] std::size_t count() const { return spans.strokes().size(); }
   // The spans that meet at the end or start of span i; the same twice at an end of an open contour.
@@ -30,6 +31,12 @@ struct Outline {
 
 enum class Role { kCut, kLead, kReturn, kSpike, kTangent, kCode };
 
+// A code text on the way of the wire.
+struct CodeLine {
+  std::size_t step = 0;  // stands in front of this step
+  const Line3b* line = nullptr;
+};
+
 struct Step {
   Stroke stroke;  // mm, drawing
   const Line3b* line = nullptr;
@@ -38,6 +45,7 @@ struct Step {
   double away = 0, towards = 0, spread = 0;
   double before = 0;  // mm; all roundings before this step
   Role role = Role::kCut;
+  int pauses = 0;  // behind it
   [[nodiscard]] double allowed() const { return kAllowance + std::max(away, towards); }
   [[nodiscard]] double allowedAway() const { return kAllowance + away; }
   [[nodiscard]] double allowedTowards() const { return kAllowance + towards; }
@@ -48,6 +56,7 @@ struct WirePath {
   double rounding = 0;     // mm, of all blocks
   double worstArc = 0;     // mm, of one arc
   std::size_t blocks = 0;  // numbered lines
+  std::vector<CodeLine> codes;
   const Line3b* first = nullptr;
   const Line3b* last = nullptr;
   [[nodiscard]] Point start() const { return steps.front().stroke.start; }
@@ -103,6 +112,8 @@ struct WalkFrom {
 [[nodiscard]] WirePath walkLines(const Line3b* first, const Line3b* last, const WalkFrom& from);
 
 void giveRoles(Measuring& m);  // lead, return, spikes, overcut along the tangent
+// Two steps that go out along a line and back.
+[[nodiscard]] bool outAndBack(const Step& a, const Step& b);
 void findSideAndDirection(Measuring& m);
 // Narrows the rounding that steps may have added up by what the wire's own distances say on the way: a long
 // contour's blocks may drift by half a count each, but where they have drifted to shows in how far the wire
@@ -112,5 +123,6 @@ void narrowRounding(Measuring& m);
 void measureDistances(Measuring& m);  // too near, too far, lead-ins that cross
 void measureCover(Measuring& m);      // stretches of the contour without wire
 void measureEnds(Measuring& m);       // closing, overrun
+void measureRepeats(Measuring& m);    // a way that the wire runs twice
 
 }  // namespace tarnex::truth

@@ -91,7 +91,7 @@ const char* readWords(Scan& in, Move3b& m) {
   if (!in.take('G') || (in.peek() != 'X' && in.peek() != 'Y')) return "the counting axis GX or GY is missing";
   m.axis = in.peek();
   in.take(m.axis);
-  while (in.take('D')) m.taperWord = true;
+  while (m.taperWord < 2 && in.take('D')) ++m.taperWord;
   m.kind = in.peek();
   if (m.kind != 'L' && m.kind != 'N' && m.kind != 'S') return "the word L, NR or SR is missing";
   in.take(m.kind);

@@ -20,7 +20,7 @@ struct Move3b {
   char kind = 'L';                         // 'L' line, 'N' counter-clockwise arc, 'S' clockwise arc
   int quadrant = 1;                        // 1 to 4
   std::optional<std::int64_t> taperCount;  // the fourth count of a block with a taper mark
-  bool taperWord = false;                  // "D" or "DD" in front of the word
+  int taperWord = 0;                       // 1 "D" in front of the word, 2 "DD", 0 neither
   std::optional<Point> printed;  // coordinates behind the ';': start of the block, mm, program frame
 };
 

@@ -2,6 +2,8 @@
 // Knows the order of measuring; each measure is next door.
 #include "exchange/sections.h"
 
+#include "exchange/truth_reading.h"
+
 namespace tarnex::truth {
 
 namespace {
@@ -67,11 +69,14 @@ WirePath Job::measure(std::size_t f, Lines lines, Point start, double unsure) {
   if (path.steps.empty()) return path;
   Measuring m{figure, outline, expected, path, r, findings, sides[f], 0, 1};
   giveRoles(m);
+  PathReading reading(m);
   findSideAndDirection(m);
   narrowRounding(m);
   measureDistances(m);
   measureCover(m);
   measureEnds(m);
+  measureRepeats(m);
+  if (figure.marks) judgeMarks(m, reading);
   r.rounding = path.rounding;
   return path;
 }

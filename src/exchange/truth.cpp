@@ -3,6 +3,7 @@
 #include "exchange/truth.h"
 
 #include <map>
+#include <utility>
 
 #include "exchange/outline.h"
 #include "exchange/plain.h"
@@ -63,12 +64,13 @@ class ThreadedRun {
 
   void run(std::optional<Point> start) {
     here_ = start.value_or(firstThreading());
-    walked_ = here_;
+    walked_ = start_ = here_;
     for (std::size_t i = 0; i < sections_.size();) {
       const auto figure = begins(i);
       i = figure ? cut(*figure, i) : travel(i);
     }
     tellEnd();
+    if (!cutAny_) tellLegs(std::nullopt);
     for (std::size_t f = 0; f < used_.size(); ++f)
       if (!used_[f]) job_.tellNotCut(f);
   }
@@ -143,6 +145,7 @@ class ThreadedRun {
     return limit;
   }
   std::size_t cut(std::size_t f, std::size_t i) {
+    tellLegs(f);
     used_[f] = true;
     if (next_ <= f) next_ = f + 1;
     cutAny_ = true;
@@ -154,7 +157,8 @@ class ThreadedRun {
     const Vec way = path.steps.empty() ? Vec{0, 0} : path.end() - path.start();
     walked_ = walked_ + way;
     here_ = closed ? t : t + way;
-    loose_ = closed ? 0 : path.rounding;
+    loose_ = looseBefore_ = closed ? 0 : path.rounding;
+    lastEnd_ = here_;
     return end;
   }
   std::size_t travel(std::size_t i) {
@@ -168,7 +172,56 @@ class ThreadedRun {
     walked_ = walked_ + s.way;
     loose_ += s.rounding + s.loose;
     if (over) endMoves_.push_back({&s, here_});
+    if (!over) legs_.push_back({&s, here_});
     return i + 1;
+  }
+  // The moves in front of the path of figure f: from the machine's start over the points to be passed, then
+  // from path to path in one move each; and the order of the paths.
+  void tellLegs(std::optional<std::size_t> f) {
+    auto legs = std::exchange(legs_, {});
+    if (!job_.expected.inOrder || !f) return;
+    const Figure& figure = job_.figures[*f];
+    if (last_ && *f < *last_)
+      job_.findings.fault(FindingKind::kOrder,
+                          {figure.number, legs.empty() ? nullptr : legs[0].first->first, here_},
+                          formatted("figure %d is cut behind figure %d, though its turn is before it",
+                                    figure.number, job_.figures[*last_].number));
+    std::vector<Point> wanted;
+    if (!cutAny_) wanted = job_.expected.startPoints;
+    if (!wanted.empty()) {
+      if (!(dist(wanted.front(), start_) <= kAllowance + kHalfMicron))
+        job_.findings.fault(
+            FindingKind::kTransit, {0, nullptr, start_},
+            formatted("the program starts at (%.4f, %.4f), the machine stands at (%.4f, %.4f)", start_.x,
+                      start_.y, wanted.front().x, wanted.front().y));
+      wanted.erase(wanted.begin());
+    }
+    if (cutAny_ || !job_.expected.startPoints.empty()) wanted.push_back(*figure.threading);
+    tellTransits(wanted, legs, cutAny_ ? lastEnd_ : start_);
+    last_ = std::max(*f, last_.value_or(0));
+  }
+  using Leg = std::pair<const Section*, Point>;
+  // Each leg leads to the next of the wanted points; those where the wire stands already need none.
+  void tellTransits(const std::vector<Point>& wanted, const std::vector<Leg>& legs, Point from) {
+    std::size_t k = 0;
+    double loose = kAllowance + kHalfMicron;
+    for (const Point& to : wanted) {
+      const bool stands = dist(from, to) <= 2 * kAllowance;
+      if (k < legs.size()) loose += legs[k].first->rounding;
+      if (k < legs.size() && dist(legs[k].second, to) <= loose + looseBefore_) {
+        ++k;
+      } else if (!stands) {
+        job_.findings.fault(FindingKind::kTransit, {0, k < legs.size() ? legs[k].first->first : nullptr, to},
+                            formatted("the wire doesn't pass (%.4f, %.4f), as it ought to here", to.x, to.y));
+        return;
+      }
+      from = to;
+    }
+    if (k < legs.size())
+      job_.findings.fault(
+          FindingKind::kTransit, {0, legs[k].first->first, legs[k].second},
+          formatted("block %lld: a move to (%.4f, %.4f) that leads to no path and no transit point",
+                    legs[k].first->number(), legs[k].second.x, legs[k].second.y));
   }
   // Moves behind the last path must be those to the end points.
   void tellEnd() {
@@ -182,13 +235,27 @@ class ThreadedRun {
           formatted("block %lld: a move to (%.4f, %.4f) behind the last path that no end point explains",
                     section->number(), place.x, place.y));
     }
+    if (!job_.expected.inOrder || !cutAny_) return;
+    Point from = lastEnd_;
+    std::size_t moves = 0;
+    for (const Point& to : ends) {
+      if (dist(from, to) > 2 * kAllowance) ++moves;
+      from = to;
+    }
+    if (endMoves_.size() < moves)
+      job_.findings.fault(FindingKind::kTransit, {0, nullptr, ends.back()},
+                          formatted("behind the last path the wire doesn't go on to (%.4f, %.4f)",
+                                    ends.back().x, ends.back().y));
   }
 
   Job& job_;
   const std::vector<Section>& sections_;
   Threading threading_;
   std::vector<bool> used_;
-  std::vector<std::pair<const Section*, Point>> endMoves_;
+  std::vector<std::pair<const Section*, Point>> endMoves_, legs_;
+  std::optional<std::size_t> last_;  // of the figures cut so far, the farthest in order
+  Point start_, lastEnd_;            // of the program, of the path before
+  double looseBefore_ = 0;           // mm that lastEnd_ may be off
   std::size_t next_ = 0, lowest_ = 0;
   Point here_;        // where the wire should be by the last threading point
   Point walked_;      // where it is by the counts from the program's start on
@@ -229,12 +296,23 @@ void tellLines(const ProgramLines& program, Report& report, Findings& findings) 
   }
 }
 
+std::vector<std::string> codesOf(const std::vector<Figure>& figures, const Expected& expected) {
+  std::vector<std::string> codes = expected.codes;
+  for (const Figure& f : figures)
+    if (f.marks)
+      for (const auto& code : f.marks->codes)
+        codes.insert(codes.end(), code.blocks.begin(), code.blocks.end());
+  std::sort(codes.begin(), codes.end());
+  codes.erase(std::unique(codes.begin(), codes.end()), codes.end());
+  return codes;
+}
+
 }  // namespace
 
 Report check(std::string_view text, const std::vector<Figure>& figures, const Expected& expected) {
   Report report;
   Findings findings(report);
-  const ProgramLines program = readProgram(text, expected.codes);
+  const ProgramLines program = readProgram(text, codesOf(figures, expected));
   tellLines(program, report, findings);
   tellPauses(program, expected, findings);
   Job job(figures, expected, report, findings);
@@ -247,6 +325,8 @@ Report check(std::string_view text, const std::vector<Figure>& figures, const Ex
     checkPlain(job, sections, start.value_or(Point{}));
   else
     ThreadedRun(job, sections).run(start);
+  for (const Figure& f : figures)
+    if (!f.remark.empty()) findings.note(FindingKind::kRemark, {f.number, nullptr, {}}, f.remark);
   report.ok = report.faults == 0;
   return report;
 }

@@ -24,6 +24,26 @@ struct CircleFigure {
   double radius = 0;  // mm
 };
 
+// What hangs on a path's contour and must stand in its program at the right blocks. Vertices are counted
+// along the path: 0 the threading point, 1 the entry point, and behind the contour's last vertex, on a closed
+// one, the entry point again.
+struct PathMarks {
+  double taper = 0;            // of the whole path, degrees
+  std::vector<double> tapers;  // of the span that starts at each vertex, degrees; may be shorter
+  struct Code {
+    int vertex = 0;
+    std::vector<std::string> blocks;
+  };
+  std::vector<Code> codes;  // several at one vertex in the order in which they are written
+  // The wire goes out from the corner at the vertex and straight back.
+  struct Step {
+    int vertex = 0;
+    AcGeVector2d way;          // mm
+    double out = 0, back = 0;  // tapers of its two spans, degrees
+  };
+  std::vector<Step> steps;  // in cutting order
+};
+
 // One contour as it was drawn, and how it is to be cut. Lengths in mm, coordinates of the drawing.
 struct Figure {
   int number = 0;                      // as findings name it
@@ -33,6 +53,10 @@ struct Figure {
   Side side = Side::kInside;
   Direction direction = Direction::kEither;
   std::optional<AcGePoint2d> threading;  // T; none in a plain drawing
+  // Given: the contour runs in cutting order from the entry point, and tapers, code texts, steps at corners,
+  // pause and overcut are judged block by block, not only let pass.
+  std::optional<PathMarks> marks;
+  std::string remark;  // told as a note
 };
 
 // What explains blocks that are no part of the compensated contour. As it stands: none of them.
@@ -41,11 +65,19 @@ struct Expected {
   std::string pauseText = "D", stopText = "DD";  // of the machine; an empty pause text lets any pass
   double overcut = 0;                            // mm past the entry point; 0 none
   bool overcutTangent = false;                   // along the tangent, where it may come nearer to the contour
+  int overcutMode = 0;                           // 1: the wire comes back to the entry point before it leaves
+  double pauseBefore = 0;                        // mm from the pause to the end of the contour; 0 none
   double dFix = 0;                               // of the corner compensation; 0 none
+  // The corner relief routine was at hand when the program was written: taper marks stand as it leaves them.
+  bool relieved = false;
+  double minStep = 0;     // mm; shorter steps at corners are left out
   double markedStep = 0;  // out-and-back steps up to this length, mm, are explained wherever they are
-  std::vector<std::string> codes;      // code texts of vertices, each as one block holds it
-  std::vector<AcGePoint2d> endPoints;  // moves behind the last path
-  bool allFigures = true;              // a figure that the program doesn't cut is a fault
+  std::vector<std::string> codes;        // code texts of vertices, each as one block holds it
+  std::vector<AcGePoint2d> startPoints;  // in front of the first path, from where the machine stands
+  std::vector<AcGePoint2d> endPoints;    // moves behind the last path
+  // The figures stand in cutting order, and between two paths the wire goes straight from one to the other.
+  bool inOrder = false;
+  bool allFigures = true;  // a figure that the program doesn't cut is a fault
 };
 
 enum class Grade { kFault, kNote };  // a fault makes the verdict "not ok"
@@ -68,6 +100,15 @@ enum class FindingKind {
   kUnexplained,  // an extra move that no option explains
   kCoordinates,  // printed coordinates that aren't where the wire stands
   kAxisWord,     // an arc that only the axis rule of its word reads right
+  kTaper,        // a taper mark that is missing, wrong, or on another block
+  kCode,         // a code text that is missing, at another vertex, or of no vertex
+  kPause,        // the pause before the end of the contour
+  kOvercut,
+  kStep,      // a step out from a corner and back that is missing, wrong, or not asked for
+  kRepeated,  // the wire runs along its own way a second time
+  kTransit,   // a point between the machine's start, the paths and the end that is left out or too many
+  kOrder,
+  kRemark,
 };
 
 struct Finding {

@@ -26,10 +26,11 @@ std::string worstText(const Worst& w) {
 }  // namespace
 
 const char* nameOf(FindingKind kind) {
-  constexpr const char* names[] = {"unreadable",  "contradiction", "numbering", "stop-missing", "start",
-                                   "link",        "unknown-cut",   "not-cut",   "too-near",     "too-far",
-                                   "uncovered",   "side",          "direction", "lead-in",      "closing",
-                                   "unexplained", "coordinates",   "axis-word"};
+  constexpr const char* names[] = {
+      "unreadable", "contradiction", "numbering",   "stop-missing", "start", "link",      "unknown-cut",
+      "not-cut",    "too-near",      "too-far",     "uncovered",    "side",  "direction", "lead-in",
+      "closing",    "unexplained",   "coordinates", "axis-word",    "taper", "code",      "pause",
+      "overcut",    "step",          "repeated",    "transit",      "order", "remark"};
   return names[static_cast<int>(kind)];
 }
 

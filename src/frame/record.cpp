@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
+
+#include "host/platform/format.h"
 
 namespace tarnex {
 
@@ -48,6 +51,47 @@ void writeText(unsigned char* at, std::size_t size, std::string_view text) {
     while (keep > 0 && (static_cast<unsigned char>(text[keep]) & 0xC0) == 0x80) --keep;
   std::memset(at, 0, size);
   std::memcpy(at, text.data(), keep);
+}
+
+std::string valueText(std::int32_t v) {
+  return std::to_string(v);
+}
+
+std::string valueText(double v) {
+  return shortestNumber(v);
+}
+
+std::string valueText(const std::string& v) {
+  return v;
+}
+
+bool parseValue(std::string_view field, std::string_view text, std::int32_t& v, std::string& error) {
+  long long n = 0;
+  if (parseInteger(text, n) && n >= INT32_MIN && n <= INT32_MAX) {
+    v = static_cast<std::int32_t>(n);
+    return true;
+  }
+  error =
+      formatted("%s: \"%s\" is not a whole number", std::string(field).c_str(), std::string(text).c_str());
+  return false;
+}
+
+bool parseValue(std::string_view field, std::string_view text, double& v, std::string& error) {
+  double n = 0;
+  if (parseNumber(text, n) && std::isfinite(n)) {
+    v = n;
+    return true;
+  }
+  error = formatted("%s: \"%s\" is not a number", std::string(field).c_str(), std::string(text).c_str());
+  return false;
+}
+
+std::string noSuchField(std::string_view field) {
+  return formatted("%s: there is no such setting", std::string(field).c_str());
+}
+
+std::string longerThan(std::string_view field, std::uint32_t bytes) {
+  return formatted("%s: longer than %u bytes", std::string(field).c_str(), bytes);
 }
 
 }  // namespace tarnex

@@ -3,7 +3,6 @@
 #include "frame/settings.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "host/platform/files.h"
 #include "host/platform/format.h"
@@ -116,12 +115,6 @@ constexpr auto rowsTable() {
 
 const auto kRows = rowsTable();
 
-const RecordRow<S>* rowOf(std::string_view field) {
-  for (const auto& row : kRows)
-    if (field == row.name) return &row;
-  return nullptr;
-}
-
 }  // namespace
 
 std::span<const RecordRow<WireCutSettings>> settingsRows() {
@@ -184,43 +177,18 @@ bool WireCutSettings::save(std::string* cause) {
   return true;
 }
 
+std::optional<std::int32_t> WireCutSettings::storedShowTool() const {
+  const auto* row = rowNamed(settingsRows(), "bShowTool");
+  if (fileBytes_.size() < row->offset + 4) return std::nullopt;
+  return readInt32(reinterpret_cast<const unsigned char*>(fileBytes_.data()) + row->offset);
+}
+
 std::optional<std::string> WireCutSettings::textOf(std::string_view field) const {
-  const auto* row = rowOf(field);
-  if (!row) return std::nullopt;
-  if (auto* i = std::get_if<std::int32_t S::*>(&row->member)) return std::to_string(this->**i);
-  if (auto* d = std::get_if<double S::*>(&row->member)) return shortestNumber(this->**d);
-  return this->*std::get<std::string S::*>(row->member);
+  return textOfField(*this, settingsRows(), field);
 }
 
 bool WireCutSettings::setFromText(std::string_view field, std::string_view text, std::string& error) {
-  const std::string name(field), value(text);
-  const auto* row = rowOf(field);
-  if (!row || row->offset == 0) {
-    error = formatted("%s: there is no such setting", name.c_str());
-    return false;
-  }
-  if (auto* i = std::get_if<std::int32_t S::*>(&row->member)) {
-    long long n = 0;
-    if (!parseInteger(text, n) || n < INT32_MIN || n > INT32_MAX) {
-      error = formatted("%s: \"%s\" is not a whole number", name.c_str(), value.c_str());
-      return false;
-    }
-    this->** i = static_cast<std::int32_t>(n);
-  } else if (auto* d = std::get_if<double S::*>(&row->member)) {
-    double v = 0;
-    if (!parseNumber(text, v) || !std::isfinite(v)) {
-      error = formatted("%s: \"%s\" is not a number", name.c_str(), value.c_str());
-      return false;
-    }
-    this->** d = v;
-  } else {
-    if (text.size() >= row->size) {
-      error = formatted("%s: longer than %u bytes", name.c_str(), row->size - 1);
-      return false;
-    }
-    this->*std::get<std::string S::*>(row->member) = value;
-  }
-  return true;
+  return setFieldFromText(*this, settingsRows(), field, text, error);
 }
 
 }  // namespace tarnex

@@ -76,6 +76,10 @@ struct WireCutSettings {
   // False when the file can't be written: the caller shows catalogue message 3; the record stays.
   [[nodiscard]] bool save(std::string* cause = nullptr);
 
+  // bShowTool as the file holds it, which every load overrules; for those who ask the user for it. Nothing
+  // before a file was read or written.
+  [[nodiscard]] std::optional<std::int32_t> storedShowTool() const;
+
   // One field by its name, as text ("0.11", "1"): for SET at the prompt, for forms and for listings.
   [[nodiscard]] std::optional<std::string> textOf(std::string_view field) const;
   // False: no such field, or the text isn't of its kind; `error` says which. Whole numbers, reals, texts.

@@ -6,10 +6,10 @@
 
 #include "host/editor/form.h"
 
-// Each shows one form over `WireCut.set` of the frame's install folder. A confirmed form is checked; values
-// outside their range, and a file that can't be written, are told through the frame and count as not
-// confirmed: the file is then as it was. The file must hold the values to start from before the call, and has
-// the user's after it.
+// Each shows one form over `WireCut.set` of the frame's install folder (AutoFixDlg: over `AutoFix.set`). A
+// confirmed form is checked; values outside their range, and a file that can't be written, are told through
+// the frame and count as not confirmed: the file is then as it was. The file must hold the values to start
+// from before the call, and has the user's after it.
 extern "C" {
 
 // Settings of automatic path making. Mode 0; mode 1, the job menu's, isn't built: it says so and gives 0.
@@ -27,4 +27,17 @@ extern "C" {
 
 // What duplicate removal takes away. Not 0: confirmed.
 [[gnu::visibility("default")]] int DupDlg(tarnex::DialogFrame* frame);
+
+// What paths show, all of it: the nine values of VornDlg, the path numbers and their colour, and the decimals
+// of the coordinates at the threading point. Lengths that belong to the program (overcut, pause) are drawn
+// too, but asked for with the program. Not 0: confirmed.
+[[gnu::visibility("default")]] int SetDlgView(tarnex::DialogFrame* frame);
+
+// What paths show and a drawing keeps: text height, arrow, wire path, real contour and moves, with their
+// colours. 0: confirmed, other than in all the others; 1: cancelled.
+[[gnu::visibility("default")]] int VornDlg(tarnex::DialogFrame* frame);
+
+// The kind of auto fix and its sizes, in `AutoFix.set`. What the file lacks stands at its default; the file
+// stays as it is until the form is confirmed. Not 0: confirmed.
+[[gnu::visibility("default")]] int AutoFixDlg(tarnex::DialogFrame* frame);
 }

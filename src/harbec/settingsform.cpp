@@ -1,40 +1,20 @@
-// A form over fields of the settings: from its table of rows, through the frame, back into the file.
+// A form over fields of a record: from its table of rows, through the frame, back into the record's file.
 // Knows no particular form.
 #include "harbec/settingsform.h"
+
+#include <limits>
 
 namespace tarnex {
 
 namespace {
 
 // Catalogue numbers.
-constexpr int kNotWritten = 3, kOutOfRange = 20004, kNoChoice = 20006, kTooLong = 20007;
+constexpr int kOutOfRange = 20004, kNoChoice = 20006, kTooLong = 20007;
 
 long long whole(const std::string& text) {
   long long n = 0;
   (void)parseInteger(text, n);
   return n;
-}
-
-FieldValue valueOf(const std::string& text, FieldKind kind) {
-  double real = 0;
-  switch (kind) {
-    case FieldKind::kInteger:
-    case FieldKind::kChoice:
-      return whole(text);
-    case FieldKind::kYesNo:
-      return whole(text) != 0 ? 1LL : 0LL;
-    case FieldKind::kReal:
-      (void)parseNumber(text, real);
-      return real;
-    default:
-      return text;
-  }
-}
-
-std::string textOf(const FieldValue& value) {
-  if (const auto* n = std::get_if<long long>(&value)) return std::to_string(*n);
-  if (const auto* r = std::get_if<double>(&value)) return shortestNumber(*r);
-  return std::get<std::string>(value);
 }
 
 // The name goes along: by it a value is set ahead.
@@ -51,14 +31,33 @@ std::string textOr(const DialogFrame& frame, int number, const std::string& othe
   return text.substr(first, text.find_last_not_of('\n') - first + 1);
 }
 
-SettingsForm::SettingsForm(DialogFrame& frame, const FormTable& table)
-    : settings(frame.installFolder()), frame_(frame) {
-  settings.load();
+FieldValue formValue(const std::string& text, FieldKind kind) {
+  double real = std::numeric_limits<double>::quiet_NaN();  // what is no number is out of every range
+  switch (kind) {
+    case FieldKind::kInteger:
+    case FieldKind::kChoice:
+      return whole(text);
+    case FieldKind::kYesNo:
+      return whole(text) != 0 ? 1LL : 0LL;
+    case FieldKind::kReal:
+      (void)parseNumber(text, real);
+      return real;
+    default:
+      return text;
+  }
+}
+
+std::string recordText(const FieldValue& value) {
+  if (const auto* n = std::get_if<long long>(&value)) return std::to_string(*n);
+  if (const auto* r = std::get_if<double>(&value)) return shortestNumber(*r);
+  return std::get<std::string>(value);
+}
+
+FormFrame::FormFrame(DialogFrame& frame, const FormTable& table) : frame_(frame), table_(table) {
   form.name = table.name;
   form.title = textOr(frame, table.title, table.name);
   for (const FieldRow& row : table.rows) {
     FormField field{row.name, textOr(frame, row.caption, row.name), row.kind, {}, row.low, row.high, {}};
-    field.value = valueOf(settings.textOf(row.name).value_or(""), row.kind);
     for (const ChoiceRow& choice : row.choices)
       field.choices.emplace_back(FieldValue(static_cast<long long>(choice.value)),
                                  textOr(frame, choice.caption, std::to_string(choice.value)));
@@ -66,25 +65,15 @@ SettingsForm::SettingsForm(DialogFrame& frame, const FormTable& table)
   }
 }
 
-bool SettingsForm::ask() {
+bool FormFrame::show() {
   if (!frame_.show(form)) return false;
   for (const auto& field : form.fields)
     if (!fits(field)) return false;
-  for (const auto& field : form.fields) {
-    std::string error;
-    if (settings.textOf(field.name) && !settings.setFromText(field.name, textOf(field.value), error)) {
-      frame_.alert(error);
-      return false;
-    }
-  }
   return true;
 }
 
-bool SettingsForm::save() {
-  std::string cause;
-  if (settings.save(&cause)) return true;
-  frame_.alert(textOr(frame_, kNotWritten, "WireCut.set") + "\n" + cause);
-  return false;
+void FormFrame::notWritten(const std::string& cause) {
+  frame_.alert(textOr(frame_, table_.notWritten, table_.name) + "\n" + cause);
 }
 
 int askAndSave(DialogFrame* frame, const FormTable& table) {
@@ -93,22 +82,22 @@ int askAndSave(DialogFrame* frame, const FormTable& table) {
   return settings.ask() && settings.save() ? 1 : 0;
 }
 
-bool SettingsForm::fits(const FormField& field) {
+bool FormFrame::fits(const FormField& field) {
   return field.kind == FieldKind::kChoice ? fitsChoices(field) : fitsRange(field);
 }
 
-bool SettingsForm::fitsChoices(const FormField& field) {
+bool FormFrame::fitsChoices(const FormField& field) {
   const std::string name = label(field);
   std::string all;
   for (const auto& [value, caption] : field.choices) {
     if (value == field.value) return true;
-    all += (all.empty() ? "" : ", ") + textOf(value);
+    all += (all.empty() ? "" : ", ") + recordText(value);
   }
   refuse(kNoChoice, "%s: %s", {std::string_view(name), std::string_view(all)});
   return false;
 }
 
-bool SettingsForm::fitsRange(const FormField& field) {
+bool FormFrame::fitsRange(const FormField& field) {
   const std::string name = label(field);
   double number = 0;
   if (const auto* text = std::get_if<std::string>(&field.value)) {
@@ -123,7 +112,7 @@ bool SettingsForm::fitsRange(const FormField& field) {
   return false;
 }
 
-void SettingsForm::refuse(int message, const char* otherwise, std::initializer_list<FormatArg> args) {
+void FormFrame::refuse(int message, const char* otherwise, std::initializer_list<FormatArg> args) {
   frame_.alert(formatChecked(textOr(frame_, message, otherwise), args));
 }
 

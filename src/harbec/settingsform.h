@@ -1,4 +1,4 @@
-// A form over fields of the settings: from its table of rows, through the frame, back into the file.
+// A form over fields of a record: from its table of rows, through the frame, back into the record's file.
 // Knows no particular form.
 #pragma once
 
@@ -16,9 +16,9 @@ struct ChoiceRow {
   int caption;  // catalogue number
 };
 
-// One field of the settings in a form.
+// One field of the record in a form.
 struct FieldRow {
-  const char* name;  // of the settings field
+  const char* name;  // of the record's field
   int caption;       // catalogue number
   FieldKind kind;
   double low = 0, high = 1;  // numbers: the range, both ends allowed
@@ -29,22 +29,21 @@ struct FormTable {
   const char* name;  // of the entry point
   int title;         // catalogue number
   std::span<const FieldRow> rows;
+  int notWritten = 3;  // catalogue number: the record's file can't be written
 };
 
-class SettingsForm {
+// What any form needs, whatever record is behind it.
+class FormFrame {
  public:
-  // Reads the settings of the frame's install folder and fills the form from them. A switch that stands at
-  // something else than 0 is on.
-  SettingsForm(DialogFrame& frame, const FormTable& table);
-
-  // Shows the form. True: confirmed and within range, and the values are in `settings`. A value outside is
-  // told through the frame and counts as a cancel, also one that stood in the file and wasn't touched.
-  [[nodiscard]] bool ask();
-  // Writes `settings`; a failure is told through the frame.
-  [[nodiscard]] bool save();
-
+  FormFrame(DialogFrame& frame, const FormTable& table);
   Form form;
-  WireCutSettings settings;
+
+ protected:
+  // Shows the form. True: confirmed and within range. A value outside is told through the frame and counts as
+  // a cancel, also one that stood in the file and wasn't touched.
+  [[nodiscard]] bool show();
+  void alert(const std::string& message) { frame_.alert(message); }
+  void notWritten(const std::string& cause);
 
  private:
   [[nodiscard]] bool fits(const FormField& field);
@@ -53,9 +52,52 @@ class SettingsForm {
   void refuse(int message, const char* otherwise, std::initializer_list<FormatArg> args);
 
   DialogFrame& frame_;
+  const FormTable table_;
 };
 
-// The whole of a plain form: 1 when it was confirmed and the file holds it, else 0.
+// A value as the form holds it, from a record's text, and back. A switch that stands at something else than 0
+// is on.
+[[nodiscard]] FieldValue formValue(const std::string& text, FieldKind kind);
+[[nodiscard]] std::string recordText(const FieldValue& value);
+
+// A form over fields of a record of the install folder: one with load, save, textOf and setFromText.
+template <class Record>
+class RecordForm : public FormFrame {
+ public:
+  // Reads the record and fills the form from it.
+  RecordForm(DialogFrame& frame, const FormTable& table)
+      : FormFrame(frame, table), settings(frame.installFolder()) {
+    settings.load();
+    for (FormField& field : form.fields)
+      field.value = formValue(settings.textOf(field.name).value_or(""), field.kind);
+  }
+
+  // Shows the form. True: confirmed and within range, and the values are in `settings`.
+  [[nodiscard]] bool ask() {
+    if (!show()) return false;
+    for (const FormField& field : form.fields) {
+      std::string error;
+      if (settings.textOf(field.name) && !settings.setFromText(field.name, recordText(field.value), error)) {
+        alert(error);
+        return false;
+      }
+    }
+    return true;
+  }
+  // Writes `settings`; a failure is told through the frame.
+  [[nodiscard]] bool save() {
+    std::string cause;
+    if (settings.save(&cause)) return true;
+    notWritten(cause);
+    return false;
+  }
+
+  Record settings;
+};
+
+using SettingsForm = RecordForm<WireCutSettings>;
+
+// The whole of a plain form over the settings: 1 when it was confirmed and the file holds it, else 0.
 [[nodiscard]] int askAndSave(DialogFrame* frame, const FormTable& table);
 
 // A text of the catalogue without line ends around it; `otherwise` when there is none.

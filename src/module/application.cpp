@@ -9,6 +9,8 @@
 #include "host/platform/files.h"
 #include "module/commandtable.h"
 #include "pathcmd/makepath.h"
+#include "pathcmd/showcommands.h"
+#include "toolpath/display.h"
 
 namespace tarnex {
 
@@ -65,6 +67,15 @@ void Application::start() {
   module_->textArea = SharedTextArea::create("VornlineWEDM");
   hookDrawings();
   editor_.print(module_->message(5051));
+  askDisplay();
+}
+
+// Once at each start. Where nobody can answer nothing is asked and nothing written: what stands goes on.
+void Application::askDisplay() {
+  if (!editor_.hasInput()) return;
+  const bool modified = editor_.database().modifiedSinceSave();
+  editor_.runCommand("Vorn");
+  if (!modified) editor_.database().markSaved();  // no work that would have to be saved
 }
 
 void Application::openCatalogue() {
@@ -106,8 +117,21 @@ void Application::hookDrawings() {
     if (!module.expired()) acrxEntryPoint(AppMessage::kLoadDwgMsg);
   });
   editor_.afterUndo.push_back([module] {
-    if (const auto m = module.lock()) rebuildPathList(*m);
+    if (const auto m = module.lock()) followPaths(*m);
   });
+  editor_.listHooks.push_back([module](const AcDbEntity& entity, std::vector<std::string>& lines) {
+    const auto m = module.lock();
+    if (!m || !entity.isKindOf(CToolPath::desc())) return false;
+    entity.AcDbEntity::list(lines);
+    const auto text = [&](int id, std::initializer_list<FormatArg> args) { return m->message(id, args); };
+    for (auto& line : pathListLines(static_cast<const CToolPath&>(entity), text))
+      lines.push_back(std::move(line));
+    return true;
+  });
+  editor_.displayContext = [module]() -> std::shared_ptr<const void> {
+    const auto m = module.lock();
+    return m ? std::make_shared<PathDisplay>(pathDisplay(*m)) : nullptr;
+  };
   editor_.setHooks.push_back([module](const std::string& name, const std::string& value, std::string& error) {
     const auto m = module.lock();
     if (!m || !m->settings.textOf(name)) return false;

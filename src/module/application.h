@@ -36,6 +36,7 @@ class Application {
   void registerCommands();
   void openCatalogue();
   void hookDrawings();
+  void askDisplay();
 
   AcEditor& editor_;
   Overrides overrides_;

@@ -4,8 +4,14 @@
 
 #include "aids/duplicates.h"
 #include "contour/approximation.h"
+#include "exchange/simulation.h"
 #include "output3b/programwriter.h"
+#include "pathcmd/autofix.h"
+#include "pathcmd/edges.h"
+#include "pathcmd/editcommands.h"
 #include "pathcmd/makepath.h"
+#include "pathcmd/showcommands.h"
+#include "pathcmd/smallcommands.h"
 
 namespace tarnex {
 
@@ -20,8 +26,8 @@ constexpr CommandRow kRows[] = {
     {"NC", "NC", kModal, nullptr},
     {"TCF", "TCF", kModal, nullptr},
     {"TK", "TK", kModal, nullptr},
-    {"AC", "AC", kModal, nullptr},
-    {"AF", "AF", kModal, nullptr},
+    {"AC", "AC", kModal, &AC},
+    {"AF", "AF", kModal, &AF},
     {"BP", "BP", kModal, &BP},
     {"BM", "BM", kModal, &BM},
     {"BK", "BK", kModal, nullptr},
@@ -30,42 +36,42 @@ constexpr CommandRow kRows[] = {
     {"GG", "GG", kModal, nullptr},
     {"GA", "GA", kModal, nullptr},
     {"GT", "GT", kModal, nullptr},
-    {"CD", "CD", kModal, nullptr},
-    {"CM", "CM", kModal, nullptr},
+    {"CD", "CD", kModal, &CD},
+    {"CM", "CM", kModal, &CM},
     {"CS", "CS", kModal, &CS},
-    {"CX", "CX", kModal, nullptr},
-    {"DB", "DB", kModal, nullptr},
-    {"QQ", "QQ", kModal, nullptr},
-    {"XD", "XD", kModal, nullptr},
-    {"XD0", "XD0", kModal, nullptr},
-    {"SR", "SR", kModal, nullptr},
-    {"SR0", "SR0", kModal, nullptr},
+    {"CX", "CX", kModal, &CX},
+    {"DB", "DB", kModal, &DB},
+    {"QQ", "QQ", kModal, &QQ},
+    {"XD", "XD", kModal, &XD},
+    {"XD0", "XD0", kModal, &XD0},
+    {"SR", "SR", kModal, &SR},
+    {"SR0", "SR0", kModal, &SR0},
     {"HZ", "HZ", kModal, nullptr},
     {"s2p", "s2p", kModal, &s2p},
     {"e2p", "e2p", kModal, &e2p},
     {"DD", "DD", kModal, nullptr},
     {"AO", "AO", kModal, nullptr},
     {"AI", "AI", kModal, nullptr},
-    {"Vorn", "Vorn", kModal, nullptr},
-    {"SIM", "SIM", kModal, nullptr},
+    {"Vorn", "Vorn", kModal, &Vorn},
+    {"SIM", "SIM", kModal, &SIM},
     {"JX", "JX", kModal, nullptr},
     {"3BIN", "3BIN", kModal, nullptr},
-    {"QD", "QD", kModal, nullptr},
-    {"ZD", "ZD", kModal, nullptr},
-    {"QZ", "QZ", kModal, nullptr},
+    {"QD", "QD", kModal, &QD},
+    {"ZD", "ZD", kModal, &ZD},
+    {"QZ", "QZ", kModal, &QZ},
     {"GY", "GY", kModal, nullptr},
     {"JG", "JG", kModal, nullptr},
     {"JGB", "JGB", kModal, nullptr},
     {"CL", "CL", kModal, nullptr},
     {"BZ", "BZ", kModal, nullptr},
-    {"WZ", "WZ", kModal, nullptr},
+    {"WZ", "WZ", kModal, &WZ},
     {"PrintMoney", "PrintMoney", kModal, &doesNothing},
     {"D1", "D1", kModal, nullptr},
     {"SXY", "SXY", kModal, nullptr},
     {"USERVAR", "USERVAR", kModal, &USERVAR},
     {"TTT", "TTT", kModal, &TTT},
     {"P2C", "P2C", kModal, nullptr},
-    {"SV", "SV", kModal, nullptr},
+    {"SV", "SV", kModal, &SV},
     {"L1", "L1", kModal, nullptr},
     {"kk", "oo", kTransparent, nullptr},
     {"gg", "cc", kTransparent, nullptr},
@@ -86,7 +92,7 @@ constexpr CommandRow kRows[] = {
     {"AJ1", "AJ1", kPickSet, &AJ1},
     {"ck", "wd", kPickSet, nullptr},
     {"dq", "cv", kPickSet, nullptr},
-    {"fx", "sd", kPickSet, nullptr},
+    {"fx", "sd", kPickSet, &fx},
     {"sx", "ms", kPickSet, nullptr},
 };
 static_assert(std::size(kRows) == 71);

@@ -5,6 +5,7 @@
 #include "contour/geometrylibrary.h"
 #include "host/platform/format.h"
 #include "toolpath/cornerrelief.h"
+#include "toolpath/offsetspans.h"
 
 namespace tarnex {
 
@@ -12,7 +13,7 @@ void ContourLists::insert(int i, AcGePoint2d point, double b, double t) {
   p.insert(p.begin() + i, point);
   bulge.insert(bulge.begin() + i, b);
   taper.insert(taper.begin() + i, t);
-  pathVertex.insert(pathVertex.begin() + i, kAdded);
+  sources.insert(sources.begin() + i, Sources{});
 }
 
 namespace {
@@ -21,38 +22,62 @@ std::size_t at(int i) {
   return static_cast<std::size_t>(i);
 }
 
-// The vertices of the tool path as they are, one list entry each.
-void copyVertices(const CToolPath& path, const OffsetPath& tool, std::size_t count, ContourLists& l) {
+// Tapers and sources of the wire path's vertices. Where the offset dropped or added a vertex, what hangs on
+// the others stays with the spans and corners that it belongs to.
+struct Hanging {
+  std::vector<double> taper;
+  std::vector<ContourLists::Sources> sources;
+};
+
+Hanging hangingOf(const CToolPath& path, const OffsetPath& tool) {
+  std::vector<int> spans;
+  if (path.hasSegTaper() || !path.aCodeVertex().empty())
+    spans = spansBeside(path.polyline().vertices, tool, path.wireOffsetToTheLeft());
+  Hanging out;
+  int previous = -1;
+  for (std::size_t i = 0; i < tool.vertices.size(); ++i) {
+    const int span = spans.empty() ? static_cast<int>(i) : spans[i];
+    out.taper.push_back(at(span) < path.aSegTaper().size() ? path.aSegTaper()[at(span)] : 0.0);
+    out.sources.push_back({previous + 1, span});
+    previous = span;
+  }
+  return out;
+}
+
+// The first vertices of the tool path as they are, one list entry each.
+void copyVertices(const OffsetPath& tool, const Hanging& hanging, std::size_t count, ContourLists& l) {
   for (std::size_t i = 0; i < count; ++i) {
     l.p.push_back(tool.vertices[i]);
     l.bulge.push_back(tool.bulges[i]);
-    l.taper.push_back(i < path.aSegTaper().size() ? path.aSegTaper()[i] : 0.0);
-    l.pathVertex.push_back(static_cast<int>(i));
+    l.taper.push_back(hanging.taper[i]);
+    l.sources.push_back(hanging.sources[i]);
   }
 }
 
-// Takes the relieved contour into the lists, behind the threading point. Tapers and code texts stay with the
-// vertices that were there before.
-void takeRelieved(const CToolPath& path, const RelievedContour& relieved, ContourLists& l) {
+// Takes the relieved contour into the lists, behind the threading point. Code texts stay with the vertices
+// that were there before; tapers are counted from the threading point's on, so that each falls to the vertex
+// behind its own: the truth test notes it.
+void takeRelieved(const RelievedContour& relieved, const Hanging& hanging, ContourLists& l) {
   const auto& vertices = relieved.vertices;
+  const auto sourcesAt = [&](std::size_t original) {
+    return original < hanging.sources.size() ? hanging.sources[original] : ContourLists::Sources{};
+  };
   std::size_t running = 0;
-  int original = 1;
   for (std::size_t i = 0; i < vertices.size(); ++i) {
     const bool added = i < relieved.flags.size() && relieved.flags[i] != 0;
-    const double taper = !added && running < path.aSegTaper().size() ? path.aSegTaper()[running] : 0.0;
+    const double taper = !added && running < hanging.taper.size() ? hanging.taper[running] : 0.0;
     if (!added) ++running;
-    const int vertex = added ? ContourLists::kAdded : original++;
     if (vertices[i].bulge == kMarkedBulge && i + 1 < vertices.size() &&
         vertices[i].point.distanceTo(vertices[i + 1].point) <= kSamePoint)
       continue;
     l.p.push_back(vertices[i].point);
     l.bulge.push_back(vertices[i].bulge);
     l.taper.push_back(taper);
-    l.pathVertex.push_back(vertex);
+    l.sources.push_back(added ? ContourLists::Sources{} : sourcesAt(running));
   }
   if (l.p.size() < 2) return;
   l.append(l.p[1], 0, 0);
-  l.pathVertex.back() = original;
+  l.sources.back() = sourcesAt(running + 1);
 }
 
 // The routine gets the path that the wire's centre walks, so that what it leaves is a wire path too. An open
@@ -211,11 +236,12 @@ ContourLists contourLists(const CToolPath& path, const Contour3bContext& context
     context.report(formatChecked(context.message(134), {static_cast<long long>(path.nPathNo())}));
   ContourLists l;
   l.dFix = context.settings.bAutoFix ? context.settings.dAutoFixLen : 0.0;
+  const Hanging hanging = hangingOf(path, tool);
   if (const auto relieved = relieve(path, context, tool, l.dFix)) {
-    copyVertices(path, tool, 1, l);
-    takeRelieved(path, *relieved, l);
+    copyVertices(tool, hanging, 1, l);
+    takeRelieved(*relieved, hanging, l);
   } else {
-    copyVertices(path, tool, tool.vertices.size(), l);
+    copyVertices(tool, hanging, tool.vertices.size(), l);
   }
   l.nSeg = l.size() - 1;
   return l;

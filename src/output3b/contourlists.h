@@ -11,18 +11,21 @@ namespace tarnex {
 // One entry per vertex of the path as it will be cut.
 struct ContourLists {
   std::vector<AcGePoint2d> p;
-  std::vector<double> bulge;    // of the segment that starts here
-  std::vector<double> taper;    // of that segment, degrees
-  std::vector<int> pathVertex;  // vertex of the tool path that this one comes from; kAdded for added ones
-  static constexpr int kAdded = -2;
+  std::vector<double> bulge;  // of the segment that starts here
+  std::vector<double> taper;  // of that segment, degrees
+  // The path's vertices that this one comes from: several where the offset dropped some, none for added ones.
+  struct Sources {
+    int first = 0, last = -1;
+  };
+  std::vector<Sources> sources;
   int nSeg = 0;       // segments to write
   int nPauseAt = -1;  // the pause falls after the block before this one
   bool overcutDone = false;
   double dFix = 0;  // radius of corner compensation, 0 none
 
   [[nodiscard]] int size() const { return static_cast<int>(p.size()); }
-  [[nodiscard]] int vertexOf(int i) const {
-    return static_cast<std::size_t>(i) < pathVertex.size() ? pathVertex[static_cast<std::size_t>(i)] : kAdded;
+  [[nodiscard]] Sources sourcesOf(int i) const {
+    return static_cast<std::size_t>(i) < sources.size() ? sources[static_cast<std::size_t>(i)] : Sources{};
   }
   void insert(int i, AcGePoint2d point, double b, double t);
   void append(AcGePoint2d point, double b, double t) { insert(size(), point, b, t); }

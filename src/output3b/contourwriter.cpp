@@ -70,7 +70,7 @@ class ContourWriter {
     markTaper(i);
     if (i == 0 && !firstCode.empty()) writeCode(std::exchange(firstCode, {}));
     program_.block(block_);
-    if (const std::string code = path_.getCodeAt(l_.vertexOf(i + 1)); !code.empty()) writeCode(code);
+    writeCodesAt(i + 1);
     if (const int next = markedStep(i); next > 0) return next;
     compensateCorner(i);
     return i + 1;
@@ -125,6 +125,12 @@ class ContourWriter {
     if (!rest.empty()) program_.block(rest);
   }
 
+  void writeCodesAt(int i) {
+    const auto [first, last] = l_.sourcesOf(i);
+    for (int vertex = std::max(first, 1); vertex <= last; ++vertex)
+      if (const std::string code = path_.getCodeAt(vertex); !code.empty()) writeCode(code);
+  }
+
   // ---- out and back
 
   void blockWithoutEnd(AcGePoint2d from, AcGePoint2d to) {
@@ -144,6 +150,9 @@ class ContourWriter {
       blockWithoutEnd(v, q);
       blockWithoutEnd(q, back);
     }
+    // What hung on the corner before the step was put in hangs on the root behind it.
+    writeCodesAt(i + 2);
+    writeCodesAt(i + 3);
     // A last segment too short for the pause to split it may begin with a step.
     if (i + 2 == l_.nPauseAt - 1) program_.unnumbered(context_.pauseText);
     return i + 3;

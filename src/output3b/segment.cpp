@@ -220,7 +220,10 @@ std::string formatFixed3(double v) {
 void encodeSegment(std::string& block, AcGePoint2d start, AcGePoint2d end, double bulge,
                    const AcGePoint2d* origin) {
   block.clear();
-  if (!(start.distanceTo(end) >= kSamePoint)) return;
+  const double chord = start.distanceTo(end);
+  if (!(chord >= kSamePoint)) return;
+  // An arc whose centre no count reaches is as good as straight.
+  if (chord * (1 + bulge * bulge) > 4 * std::abs(bulge) * kLargestExtent) bulge = 0.0;
   print(block, bulge == 0.0 ? lineBlock(start, end) : arcBlock(start, end, bulge));
   if (!origin) return;
   block += formatted(" %8.4f , %8.4f", start.x - origin->x, start.y - origin->y);

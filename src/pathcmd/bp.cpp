@@ -22,7 +22,8 @@ void orderFrom(Module& module, int first) {
   if (module.settings.nPathOrder == 1) sortByLength(module.drawing(), state);
 }
 
-// Counts a batch in the status bar; also where an interrupt is looked for.
+// Counts a batch in the status bar; also where an interrupt is looked for. The settings file is as after a
+// single path.
 template <class Each>
 void metered(Module& module, const SelectionSet& set, Each each) {
   module.editor.acedSetStatusBarProgressMeter(module.message(45), 0, static_cast<long>(set.size()));
@@ -31,6 +32,8 @@ void metered(Module& module, const SelectionSet& set, Each each) {
     each(set[i]);
   }
   module.editor.acedRestoreStatusBar();
+  module.saveSettings();
+  module.loadSettings();
 }
 
 void windowOfContours(Module& module, const AcGePoint3d& first) {
@@ -100,10 +103,6 @@ void BP(Module& module) {
     }
   }
   orderFrom(module, 0);
-}
-
-void TTT(Module& module) {
-  rebuildPathList(module);
 }
 
 }  // namespace tarnex

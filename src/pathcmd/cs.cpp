@@ -2,11 +2,27 @@
 // Knows the list of paths and prompts.
 #include "contour/hosthelpers.h"
 #include "contour/userinput.h"
+#include "pathcmd/editcommands.h"
 #include "pathcmd/makepath.h"
 
 namespace tarnex {
 
 namespace {
+
+// Lit up for as long as it lives, also when the user breaks off.
+class Highlighted {
+ public:
+  Highlighted(AcDbDatabase& drawing, AcDbObjectId id) : drawing_(drawing), id_(id) {
+    highlightEntity(drawing_, id_);
+  }
+  ~Highlighted() { unhighlightEntity(drawing_, id_); }
+  Highlighted(const Highlighted&) = delete;
+  Highlighted& operator=(const Highlighted&) = delete;
+
+ private:
+  AcDbDatabase& drawing_;
+  const AcDbObjectId id_;
+};
 
 class OrderByPicking {
  public:
@@ -62,14 +78,19 @@ class OrderByPicking {
     ++pos_;
   }
 
-  // The paths at places a and b (from 1) change places and numbers.
+  // The paths at places a and b (from 1) change places and numbers; both or neither.
   bool exchange(int a, int b) {
     const int count = static_cast<int>(state_.PathList.size());
     if (a < 1 || b < 1 || a > count || b > count) return false;
+    if (a == b) return true;
     AcDbObjectId &first = state_.PathList[static_cast<std::size_t>(a - 1)],
                  &second = state_.PathList[static_cast<std::size_t>(b - 1)];
-    if (auto path = drawing_.open<CToolPath>(second, OpenMode::kForWrite)) path->setPathNo(a);
-    if (auto path = drawing_.open<CToolPath>(first, OpenMode::kForWrite)) path->setPathNo(b);
+    const auto toSecond = openPicked(module_, first);
+    if (!toSecond) return false;
+    const auto toFirst = openPicked(module_, second);
+    if (!toFirst) return false;
+    toSecond->setPathNo(b);
+    toFirst->setPathNo(a);
     std::swap(first, second);
     return true;
   }
@@ -122,14 +143,17 @@ class OrderByPicking {
     }
   }
 
+  AcDbObjectId secondOf(AcDbObjectId first, int number) {
+    const Highlighted shown(drawing_, first);
+    return pickPath(module_.message(61, {static_cast<long long>(number)}), first);
+  }
+
   void swapTwo() {
     for (;;) {
       const AcDbObjectId first = pickPath(module_.message(60), {});
       if (first.isNull()) return;
-      highlightEntity(drawing_, first);
       const int number = drawing_.peek<CToolPath>(first)->nPathNo();
-      const AcDbObjectId second = pickPath(module_.message(61, {static_cast<long long>(number)}), first);
-      unhighlightEntity(drawing_, first);
+      const AcDbObjectId second = secondOf(first, number);
       if (second.isNull()) continue;
       if (exchange(number, drawing_.peek<CToolPath>(second)->nPathNo())) renumberAll(drawing_, state_);
     }

@@ -63,7 +63,9 @@ class PathMaker {
       if (!entity || entity->isKindOf(CToolPath::desc()) || !entity->isKindOf(AcDbCurve::desc()))
         return false;
     }
-    const KeptSettings kept(module_);
+    // In a batch nothing changes them; its caller keeps them once for all paths.
+    std::optional<KeptSettings> kept;
+    if (!batch() || request_.fraction > 0) kept.emplace(module_);
     if (request_.fraction > 0) {
       s_.nSnapMode = 0;
       s_.nSide = kOuterShape;
@@ -130,7 +132,7 @@ class PathMaker {
     orient();
     if (!batch() && !findSpan()) return false;
     if (request_.fraction > 0 && !batch() && !moveEntry()) return false;
-    module_.saveSettings();
+    if (!batch()) module_.saveSettings();
     const bool hole = s_.bSmallHole != 0 && findThreadingHole(module_, request_.mode, polyline_, points_);
     if (!hole) chooseThread();
     auto path = makeContourPath(module_, points_.thread, points_.entry, polyline_, points_.spanIndex, false);

@@ -1,10 +1,10 @@
-// List, numbers and order of the paths.
+// What orders paths, and what they are drawn with.
 // Knows path entities, and nothing of how they were made.
 #include "pathcmd/paths.h"
 
 #include <algorithm>
 
-#include "frame/drawingvars.h"
+#include "pathcmd/exchangesort.h"
 
 namespace tarnex {
 
@@ -23,45 +23,11 @@ std::optional<AcGePoint2d> startOf(AcDbDatabase& drawing, AcDbObjectId id) {
   return path ? std::optional(path->getPointAt(0)) : std::nullopt;
 }
 
-void readDisplayValues(Module& module) {
-  const DrawingVars vars(module.drawing());
-  auto& s = module.settings;
-  const auto real = [&](const char* key, double& field) { field = vars.getDouble(key).value_or(field); };
-  const auto whole = [&](const char* key, std::int32_t& field) { field = vars.getInt(key).value_or(field); };
-  real("VORN_SHOW_dTextHeight", s.dTextHeight);
-  whole("VORN_SHOW_bShowArrow", s.bShowArrow);
-  real("VORN_SHOW_dArrowLen", s.dArrowLen);
-  whole("VORN_SHOW_bShowTool", s.bShowTool);
-  whole("VORN_SHOW_nColorTool", s.nColorTool);
-  whole("VORN_SHOW_bShowReal", s.bShowReal);
-  whole("VORN_SHOW_nColorReal", s.nColorReal);
-  whole("VORN_SHOW_bShowNull", s.bShowNull);
-  whole("VORN_SHOW_nColorNull", s.nColorNull);
-}
-
 struct Measured {
   AcDbObjectId id;
   double length;  // mm
   AcGePoint2d start;
 };
-
-// An exchange sort. Where no two are equal any sort gives the same.
-template <class T, class Less>
-void exchangeSort(std::vector<T>& items, Less less) {
-  if (std::is_sorted(items.begin(), items.end(), less)) return;
-  auto sorted = items;
-  std::sort(sorted.begin(), sorted.end(), less);
-  const bool distinct = std::adjacent_find(sorted.begin(), sorted.end(), [&](const T& a, const T& b) {
-                          return !less(a, b);
-                        }) == sorted.end();
-  if (distinct) {
-    items = std::move(sorted);
-    return;
-  }
-  for (std::size_t i = 0; i < items.size(); ++i)
-    for (std::size_t j = i + 1; j < items.size(); ++j)
-      if (less(items[j], items[i])) std::swap(items[i], items[j]);
-}
 
 // The walk among paths of one length. Where each path stands is kept beside an index by length, so that a
 // step looks at the paths of that length alone; they are looked at in the order of their places, as a scan
@@ -112,15 +78,8 @@ class EqualLengthWalk {
 
 }  // namespace
 
-void numberPath(AcDbDatabase& drawing, PathState& state, AcDbObjectId id, int number) {
-  auto path = drawing.open<CToolPath>(id, OpenMode::kForWrite);
-  if (!path) return;
-  path->setPathNo(number);
-  path->setPrevEnd(state.lastEnd);
-  state.lastEnd = path->getEndPoint(true);
-}
-
 PathDisplay pathDisplay(Module& module) {
+  followPaths(module);
   PathDisplay display;
   display.settings = &module.settings;
   display.bOrderMode = module.bOrderMode;
@@ -129,26 +88,6 @@ PathDisplay pathDisplay(Module& module) {
   display.pathCount = static_cast<int>(module.state<PathState>().PathList.size());
   readTransitChains(module.drawing(), display);
   return display;
-}
-
-void renumberAll(AcDbDatabase& drawing, PathState& state) {
-  state.lastEnd = kNoLastEnd;
-  int number = 0;
-  for (AcDbObjectId id : state.PathList) numberPath(drawing, state, id, ++number);
-  state.nextPathNo = number + 1;
-}
-
-void rebuildPathList(Module& module) {
-  AcDbDatabase& drawing = module.drawing();
-  auto& state = module.state<PathState>();
-  std::vector<std::pair<int, AcDbObjectId>> found;
-  for (AcDbObjectId id : drawing.modelSpaceEntities())
-    if (const auto* path = drawing.peek<CToolPath>(id)) found.emplace_back(path->nPathNo(), id);
-  exchangeSort(found, [](const auto& a, const auto& b) { return a.first < b.first; });
-  state.PathList.clear();
-  for (const auto& [number, id] : found) state.PathList.push_back(id);
-  readDisplayValues(module);
-  renumberAll(drawing, state);
 }
 
 void undoLastPath(AcDbDatabase& drawing, PathState& state) {

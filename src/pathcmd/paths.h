@@ -18,11 +18,16 @@ struct PathState {
   AcGePoint2d lastEnd = kNoLastEnd;    // where the wire stands after the last numbered path
 };
 
-// Writes the number and where the wire stood before; moves lastEnd on.
+// Gives the number and where the wire stood before; moves lastEnd on. Only what differs is written. A path on
+// a locked layer keeps its number; the wire passes it all the same.
 void numberPath(AcDbDatabase& drawing, PathState& state, AcDbObjectId id, int number);
 void renumberAll(AcDbDatabase& drawing, PathState& state);
-// Reads all paths of the drawing, sorted by their numbers, and the display values that the drawing holds.
+// The paths of the drawing, sorted by their numbers and numbered anew from 1, and the display values that the
+// drawing holds. Costs what has changed since the last call here or of followPaths.
 void rebuildPathList(Module& module);
+// The same, but the numbers stay as they are in the drawing (nothing is written, so nothing that could be
+// done again is lost): after undo and redo, and before paths are drawn.
+void followPaths(Module& module);
 // What the paths' drawing depends on, as it stands now: the context for DisplayOptions. Holds the module's
 // settings, not a copy.
 [[nodiscard]] PathDisplay pathDisplay(Module& module);

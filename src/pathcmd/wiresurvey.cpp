@@ -63,31 +63,20 @@ double leftOffset(const PolylineCurve& contour, bool hole, double offset) {
   return hole == (signedArea(contour.vertices) > 0) ? offset : -offset;
 }
 
-struct TightArc {
-  double radius = 0;  // mm; 0 none
-  AcGePoint2d at;
-};
-
-// The smallest arc that the wire runs inside of and that is smaller than the offset.
+// The smallest arc that the wire runs inside of and that is smaller than the offset; radius 0: none.
 TightArc smallestTightRadius(const PolylineCurve& contour, bool hole, double offset) {
   TightArc tight;
-  const auto& v = contour.vertices;
-  const double toTheLeft = leftOffset(contour, hole, offset);
-  for (std::size_t i = 0; i < v.size(); ++i) {
-    const AcGePoint2d end = v[(i + 1) % v.size()].point;
-    if (v[i].bulge == 0 || v[i].point == end || v[i].bulge * toTheLeft <= 0) continue;
-    const double radius = bulgeToCircle(v[i].point, end, v[i].bulge).radius;
-    if (radius >= std::abs(offset) || (tight.radius > 0 && radius >= tight.radius)) continue;
-    tight = {radius, v[i].point};
-  }
+  for (const TightArc& arc : tightArcs(contour, hole, offset))
+    if (tight.radius == 0 || arc.radius < tight.radius) tight = arc;
   return tight;
 }
 
-// Direction of travel at the start of a span, or at its end.
+// Unit direction of travel at the start of a span, or at its end: the chord's turned by half the sweep, whose
+// tangent is the bulge twice over.
 AcGeVector2d headingOf(AcGePoint2d start, AcGePoint2d end, double bulge, bool atEnd) {
-  const double half = 2 * std::atan(bulge), chord = acutAngle(start, end);
-  const double angle = atEnd ? chord + half : chord - half;
-  return {std::cos(angle), std::sin(angle)};
+  const AcGeVector2d chord = (end - start).normal();
+  const double square = bulge * bulge, turn = (atEnd ? 2 : -2) * bulge;
+  return (chord * (1 - square) + chord.perpVector() * turn) * (1 / (1 + square));
 }
 
 struct SharpCorner {
@@ -108,7 +97,8 @@ SharpCorner sharpestCorner(const PolylineCurve& contour, bool hole, double offse
     const AcGeVector2d in = headingOf(before.point, here.point, before.bulge, true);
     const AcGeVector2d out = headingOf(here.point, after, here.bulge, false);
     if (in.crossProduct(out) * toTheLeft >= 0) continue;
-    const double reach = std::abs(offset) / std::max(std::cos(in.angleTo(out) / 2), 1e-9);
+    const double halfTurnCosine = std::sqrt(std::max(0.0, (1 + in.dotProduct(out)) / 2));
+    const double reach = std::abs(offset) / std::max(halfTurnCosine, 1e-9);
     if (reach > kFarOut * std::abs(offset) && reach > sharp.reach) sharp = {reach, here.point};
   }
   return sharp;
@@ -287,6 +277,19 @@ OffsetFate fateUnderOffset(const PolylineCurve& contour, bool hole, double offse
     fate.pieces = std::max<int>(static_cast<int>(curves->size()), 1);
   }
   return fate;
+}
+
+std::vector<TightArc> tightArcs(const PolylineCurve& contour, bool hole, double offset) {
+  std::vector<TightArc> tight;
+  const auto& v = contour.vertices;
+  const double toTheLeft = leftOffset(contour, hole, offset);
+  for (std::size_t i = 0; i < v.size(); ++i) {
+    const AcGePoint2d end = v[(i + 1) % v.size()].point;
+    if (v[i].bulge == 0 || v[i].point == end || v[i].bulge * toTheLeft <= 0) continue;
+    const double radius = bulgeToCircle(v[i].point, end, v[i].bulge).radius;
+    if (radius < std::abs(offset)) tight.push_back({radius, v[i].point});
+  }
+  return tight;
 }
 
 WireSurvey surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths) {

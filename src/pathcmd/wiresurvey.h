@@ -40,4 +40,11 @@ struct OffsetFate {
 };
 [[nodiscard]] OffsetFate fateUnderOffset(const PolylineCurve& contour, bool hole, double offset);
 
+// Every arc that the wire runs inside of and that is smaller than the offset, at its start.
+struct TightArc {
+  double radius = 0;  // mm
+  AcGePoint2d at;
+};
+[[nodiscard]] std::vector<TightArc> tightArcs(const PolylineCurve& contour, bool hole, double offset);
+
 }  // namespace tarnex

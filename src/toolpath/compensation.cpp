@@ -1,6 +1,7 @@
 // Compensation: from the drawn contour to the path that the wire's centre walks.
 // Knows lines, arcs and bulges; lead-ins are only copied, and NC formats are above it.
 #include "host/geometry/offset.h"
+#include "toolpath/offsetspans.h"
 #include "toolpath/ownoffset.h"
 #include "toolpath/toolpath.h"
 
@@ -26,8 +27,22 @@ bool takeHostOffset(const std::vector<BulgeVertex>& path, double toTheLeft, Offs
   return true;
 }
 
+OffsetPath offsetOf(const OwnOffsetInput& from) {
+  const auto& path = from.path;
+  OffsetPath result;
+  result.vertices.reserve(path.size() + 1);
+  result.bulges.reserve(path.size() + 1);
+  result.vertices.push_back(path[0].point);
+  result.bulges.push_back(0);
+  if (takeHostOffset(path, from.side * from.distance, result)) return result;
+  result.ownMethod = true;
+  static_cast<PathCurve&>(result) = ownOffset(from);
+  return result;
+}
+
 }  // namespace
 
+// Out-and-back steps go with the corner that they stand at: the wire can't run beside them.
 OffsetPath CToolPath::computeOffset(int side, double distance) const {
   const auto& path = polyline().vertices;
   OffsetPath result;
@@ -38,14 +53,11 @@ OffsetPath CToolPath::computeOffset(int side, double distance) const {
     }
     return result;
   }
-  result.vertices.reserve(path.size() + 1);
-  result.bulges.reserve(path.size() + 1);
-  result.vertices.push_back(path[0].point);
-  result.bulges.push_back(0);
-  if (takeHostOffset(path, side * distance, result)) return result;
-  result.ownMethod = true;
-  static_cast<PathCurve&>(result) =
-      ownOffset({path, side, distance, nSide_ * nDirection_, dOffset_, contour_.bClosed});
+  if (!hasSteps(path))
+    return offsetOf({path, side, distance, nSide_ * nDirection_, dOffset_, contour_.bClosed});
+  const SteplessPath contour = withoutSteps(path);
+  result = offsetOf({contour.vertices, side, distance, nSide_ * nDirection_, dOffset_, contour_.bClosed});
+  restoreSteps(contour, side * distance, result);
   return result;
 }
 

@@ -1,5 +1,5 @@
-// A path as the host sees it: drawing, snap points, grips, lines of `list`; and the chains of points around
-// the paths. What a drawing consists of stands in pathdrawing.
+// A path as the host sees it: drawing, snap points, grips; and the chains of points around the paths. What a
+// drawing consists of stands in pathdrawing.
 #include "toolpath/display.h"
 
 #include "frame/drawingvars.h"
@@ -45,30 +45,6 @@ ErrorStatus CToolPath::moveGripPointsAt(const std::vector<int>& indices, const A
 }
 ErrorStatus CToolPath::moveStretchPointsAt(const std::vector<int>& indices, const AcGeVector3d& offset) {
   return hasFlag(kFourAxis) ? ErrorStatus::eOk : CToolPathBase::moveStretchPointsAt(indices, offset);
-}
-
-// Without a catalogue within reach; commands that have one print pathListLines instead.
-void CToolPath::list(std::vector<std::string>& lines) const {
-  AcDbEntity::list(lines);
-  const auto plain = [](int id, std::initializer_list<FormatArg> args) -> std::string {
-    const char* pattern = id == 539   ? "  Path number: %d"
-                          : id == 541 ? "  Fit clearance: %g"
-                          : id == 542 ? "  Wire offset: %g"
-                                      : "  Lengths are in millimetres.";
-    return formatChecked(pattern, args);
-  };
-  for (std::string& line : pathListLines(*this, plain)) lines.push_back(std::move(line));
-}
-
-std::vector<std::string> pathListLines(const CToolPath& path, const PathText& text) {
-  std::vector<std::string> lines{text(539, {static_cast<long long>(path.nPathNo())}),
-                                 text(541, {path.dClearance()}), text(542, {path.dOffset()}), text(540, {})};
-  for (std::string& line : lines) {
-    const std::size_t first = line.find_first_not_of("\r\n");
-    line = first == std::string::npos ? std::string()
-                                      : line.substr(first, line.find_last_not_of("\r\n") - first + 1);
-  }
-  return lines;
 }
 
 void readTransitChains(AcDbDatabase& drawing, PathDisplay& display) {

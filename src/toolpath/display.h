@@ -33,7 +33,9 @@ struct PathDisplay {
 void readTransitChains(AcDbDatabase& drawing, PathDisplay& display);
 
 // The path's own lines of `list`, without line ends. `text` gives a catalogue text with its arguments filled
-// in: 539 number, 541 fit clearance, 542 wire offset, 540 the closing line, asked for in this order.
+// in: 539 number, 541 fit clearance, 542 wire offset; 20230 to 20242 side, direction, threading and entry
+// point, contour, tapers, codes and break point, those that there are; 540 the closing line. A text that is
+// empty gives no line.
 using PathText = std::function<std::string(int id, std::initializer_list<FormatArg> args)>;
 [[nodiscard]] std::vector<std::string> pathListLines(const CToolPath& path, const PathText& text);
 

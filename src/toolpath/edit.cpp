@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "contour/geometrylibrary.h"
+#include "host/database/database.h"
 #include "toolpath/toolpath.h"
 
 namespace tarnex {
@@ -61,17 +62,14 @@ const AcRxClass& CToolPath::desc() {
   return description;
 }
 
-void CToolPath::addVertexAt(int index, AcGePoint2d p, double bulge) {
-  index = std::clamp(index, 0, numVerts());
-  AcDbPolyline::addVertexAt(index, p, bulge, -1, -1);
-  const auto at = std::min(static_cast<std::size_t>(index), aSegTaper_.size());
-  aSegTaper_.insert(aSegTaper_.begin() + static_cast<std::ptrdiff_t>(at), 0.0);
-  for (int& vertex : aCodeVertex_)
-    if (vertex >= index) ++vertex;
-}
-
 void CToolPath::setPathNo(int number) {
   change(nPathNo_, number);
+}
+
+void CToolPath::setPrevEnd(AcGePoint2d p) const {
+  if (ptPrevEnd_ == p) return;
+  ptPrevEnd_ = p;
+  if (database()) database()->noteChange(objectId());
 }
 
 void CToolPath::setProcessStyle(const ProcessStyle& style) {
@@ -223,38 +221,17 @@ void CToolPath::setGuide(const PolylineCurve& guide) {
   nFlags_ = kGuideCurve;
 }
 
-bool CToolPath::reverse() {
-  if (!contour_.bClosed && !contour_.bCircle) return false;
-  assertWriteEnabled();
-  PolylineCurve c = polyline();
-  const auto old = c.vertices;
-  const auto oldTaper = aSegTaper_;
-  const std::size_t n = old.size();
-  for (std::size_t j = 1; j < n; ++j) {
-    c.vertices[j].point = old[n - j].point;
-    c.vertices[j].bulge = 0 - old[n - 1 - j].bulge;  // no negative zero
-    if (n - 1 - j < oldTaper.size() && j < aSegTaper_.size()) aSegTaper_[j] = oldTaper[n - 1 - j];
-  }
-  setPolyline(std::move(c));
-  // The threading point keeps its code, and what stands at no vertex stays there.
-  for (int& vertex : aCodeVertex_)
-    if (vertex > 0 && vertex < static_cast<int>(n)) vertex = static_cast<int>(n) - vertex;
-  nDirection_ = -nDirection_;
-  return true;
-}
-
-bool CToolPath::flipSide() {
-  if ((!contour_.bClosed && !contour_.bCircle) || numVerts() < 2) return false;
-  assertWriteEnabled();
-  const AcGePoint2d t = getPointAt(0), q = getPointAt(1);
-  setPointAt(0, acutPolar(q, acutAngle(q, t) + kPi, q.distanceTo(t)));
-  nSide_ = -nSide_;
-  return true;
-}
-
 ErrorStatus CToolPath::transformBy(const AcGeMatrix3d& m) {
   if (const auto status = AcDbPolyline::transformBy(m); status != ErrorStatus::eOk) return status;
-  nDirection_ = polylineOrientation(polyline());
+  for (int i = 0; i < numVerts(); ++i)
+    if (const double bulge = getBulgeAt(i); bulge == -kMarkedBulge) setBulgeAt(i, kMarkedBulge);
+  // An open path may run against what its orientation would be closed, or have none at all: its wire stays
+  // on its side.
+  const int orientation = hasFlag(kOpenPath) ? 0 : polylineOrientation(polyline());
+  if (orientation != 0)
+    nDirection_ = orientation;
+  else if (m.determinant2d() < 0)
+    nDirection_ = -nDirection_;
   for (AcGePoint2d* p : {&ptBreakExit_, &ptBreak_, &ptBreakUpperExit_, &ptBreakUpper_}) *p = m.apply(*p);
   transformContour(contour_, m);
   if (hasFlag(kFourAxis) || hasFlag(kGuideCurve)) transformCurve(upper_, m);

@@ -37,12 +37,8 @@ PathDrawing::PathDrawing(const CToolPath& path, AcGiWorldDraw& draw)
       draw_(draw),
       display_(displayOf(draw)),
       settings_(display_.settings ? *display_.settings : defaultSettings()),
-      offset_(path.dOffset_ - path.nSide_ * path.dClearance_) {
-  for (const BulgeVertex& v : path.polyline().vertices) {
-    lower_.vertices.push_back(v.point);
-    lower_.bulges.push_back(v.bulge);
-  }
-}
+      offset_(path.dOffset_ - path.nSide_ * path.dClearance_),
+      lower_(path.polyline().vertices) {}
 
 void PathDrawing::run() {
   contour();
@@ -51,7 +47,7 @@ void PathDrawing::run() {
   wireCentre();
   if (path_.bHasStyle_) isoMarks();
   draw_.setLineType(kContinuous);
-  if (lower_.vertices.size() < 2) return;  // nothing that the rest could stand at
+  if (lower_.size() < 2) return;  // nothing that the rest could stand at
   tapers();
   upperContour();
   labels();
@@ -117,8 +113,6 @@ void PathDrawing::wireCentre() {
     segment(spanOf(tool_, i), kToolMarks + static_cast<int>(i));
 }
 
-// The lengths of overcut and exit belong to the settings here; keeping them in the path as well is the
-// writers' matter, since a drawing changes nothing.
 void PathDrawing::isoMarks() {
   pauseRing();
   if (path_.nSide_ == kInnerHole) {
@@ -145,22 +139,10 @@ void PathDrawing::pauseRing() {
 }
 
 void PathDrawing::overcut() {
-  const double length = path_.bClosed() || path_.bCircle() ? settings_.dOvercutLen : 0;
-  if (!(length > 0) || spansOf(tool_) < 2) return;
-  const Span first = spanOf(tool_, 1);
-  const auto at = pointAlongSpan(first.a, first.b, first.bulge, length);
-  if (!at) return;
+  const auto exit = path_.overcutOn(tool_, settings_).exit;
+  if (!exit) return;
   draw_.setColor(kYellow);
-  double exit = settings_.dOvercutExit;
-  if (exit <= 0) exit = tool_.vertices[0].distanceTo(tool_.vertices[1]) / 2;
-  AcGeVector2d way;
-  if (first.bulge == 0) {
-    way = AcGeMatrix3d::rotation(kPi * turn() * 0.5, {}).apply(first.b - first.a);
-  } else {
-    const AcGePoint2d centre = bulgeToCircle(first.a, first.b, first.bulge).centre;
-    way = (centre - at->point) * (turn() * (first.bulge >= 0 ? 1 : -1));
-  }
-  line(at->point, at->point + way.normal() * exit, kOvercutMark);
+  line(exit->from, exit->to, kOvercutMark);
 }
 
 void PathDrawing::tapers() {
@@ -168,7 +150,7 @@ void PathDrawing::tapers() {
   if (path_.dTaper_ != 0) return;
   draw_.setLineType(kDashed);
   draw_.setColor(kSegTaperColor);
-  const std::size_t count = std::min(spansOf(lower_), path_.aSegTaper_.size());
+  const std::size_t count = std::min(lowerSpans(), path_.aSegTaper_.size());
   for (std::size_t i = 1; i < count; ++i)
     if (path_.aSegTaper_[i] != 0) segmentTaper(i);
 }
@@ -187,7 +169,7 @@ void PathDrawing::pathTaper() {
 }
 
 void PathDrawing::segmentTaper(std::size_t i) {
-  const Span s = spanOf(lower_, i);
+  const Span s = lowerSpan(i);
   const double taper = path_.aSegTaper_[i], by = taper > 0 ? kSideMark : -kSideMark;
   Span copy = s;
   AcGePoint2d middle;
@@ -214,9 +196,9 @@ void PathDrawing::upperContour() {
     for (std::size_t i = 0; i < spansOf(upper); ++i) {
       draw_.setColor(kUpperColor);
       segment(spanOf(upper, i), kUpperMarks + static_cast<int>(i), path_.dHeight_);
-      if (display_.bShowMatchLines || i >= lower_.vertices.size()) continue;
+      if (display_.bShowMatchLines || i >= lower_.size()) continue;
       draw_.setColor(kYellow);
-      line(solid(lower_.vertices[i]), solid(upper.vertices[i], path_.dHeight_),
+      line(solid(lower_[i].point), solid(upper.vertices[i], path_.dHeight_),
            kRulingMarks + static_cast<int>(i));
     }
   } else if (path_.hasFlag(kGuideCurve)) {

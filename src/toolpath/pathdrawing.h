@@ -62,8 +62,12 @@ class PathDrawing {
     return {c.vertices[i], c.vertices[i + 1], c.bulges[i]};
   }
   static std::size_t spansOf(const PathCurve& c) { return c.vertices.empty() ? 0 : c.vertices.size() - 1; }
-  [[nodiscard]] AcGePoint2d thread() const { return lower_.vertices[0]; }
-  [[nodiscard]] AcGePoint2d entry() const { return lower_.vertices[1]; }
+  [[nodiscard]] Span lowerSpan(std::size_t i) const {
+    return {lower_[i].point, lower_[i + 1].point, lower_[i].bulge};
+  }
+  [[nodiscard]] std::size_t lowerSpans() const { return lower_.empty() ? 0 : lower_.size() - 1; }
+  [[nodiscard]] AcGePoint2d thread() const { return lower_[0].point; }
+  [[nodiscard]] AcGePoint2d entry() const { return lower_[1].point; }
   [[nodiscard]] bool shows(int flag) const { return !path_.bHasStyle_ && !display_.bOrderMode && flag != 0; }
   [[nodiscard]] double turn() const { return path_.nDirection_ * path_.nSide_; }
 
@@ -97,7 +101,8 @@ class PathDrawing {
   const PathDisplay& display_;
   const WireCutSettings& settings_;
   const double offset_;  // drawn contour to wire centre, mm
-  PathCurve lower_, tool_;
+  const std::vector<BulgeVertex>& lower_;
+  PathCurve tool_;
 };
 
 }  // namespace tarnex

@@ -49,8 +49,8 @@ void PathDrawing::labels() {
 
 // Beside the contour at the entry point, on the wire's side, in cutting direction.
 void PathDrawing::arrow() {
-  if (spansOf(lower_) < 2) return;
-  const Span first = spanOf(lower_, 1);
+  if (lowerSpans() < 2) return;
+  const Span first = lowerSpan(1);
   const double length = settings_.dArrowLen;
   AcGePoint2d base, tip;
   if (first.bulge == 0) {
@@ -115,13 +115,13 @@ void PathDrawing::moveFromPrevious() {
 }
 
 void PathDrawing::codeInsertions() {
-  const int vertices = static_cast<int>(lower_.vertices.size());
+  const int vertices = static_cast<int>(lower_.size());
   for (std::size_t i = 0; i < path_.aCodeVertex_.size() && i < path_.aCodeText_.size(); ++i) {
     const int at = path_.aCodeVertex_[i];
     if (at < 0 || at >= vertices) continue;  // a point of an old record that no vertex matched
     draw_.setSelectionMarker(kCodeMarks + static_cast<int>(i));
     draw_.setColor(kRed);
-    text(lower_.vertices[static_cast<std::size_t>(at)], kCodeHeight * settings_.dTextHeight,
+    text(lower_[static_cast<std::size_t>(at)].point, kCodeHeight * settings_.dTextHeight,
          path_.aCodeText_[i]);
   }
 }

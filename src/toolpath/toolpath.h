@@ -66,6 +66,29 @@ struct OffsetPath : PathCurve {
   int pieces = 1;          // curves that the host's offset gave; only the first is the path
 };
 
+// What the marks of the program on a styled path come to; an unstyled path leaves what stands.
+struct DisplayedOvercut {
+  double dOvercutLen = 0, dOvercutExit = 0;  // of the path, mm
+  double settingsExit = 0;                   // dOvercutExit of the settings, mm
+  struct Line {
+    AcGePoint2d from, to;
+  };
+  std::optional<Line> exit;  // from the end of the overcut away from the contour
+};
+
+inline constexpr const char* kCornerMark = "R";  // code text at the start of a corner's arc
+inline constexpr AcGePoint2d kNoBreak{-99999.0, 99999.0};
+
+// Where a program leaves the contour and how it moves away. The upper half counts on a four-axis path alone.
+struct PathBreak {
+  int nBreakSeg = -1;  // segment from this vertex on, -1 for no break
+  AcGePoint2d ptBreak = kNoBreak, ptBreakExit;
+  double dBreakBulgeA = 0, dBreakBulgeB = 0;  // of the segment's parts before and behind the point
+  AcGePoint2d ptBreakUpper, ptBreakUpperExit;
+  double dBreakUpperBulgeA = 0, dBreakUpperBulgeB = 0;
+  bool operator==(const PathBreak&) const = default;
+};
+
 // Lists that the ISO writers work from.
 struct OutputLists : PathCurve {
   std::vector<double> taper;
@@ -78,7 +101,9 @@ using CornerRelief = std::function<bool(AcDbObjectId polyline, double lengthA, d
                                         std::vector<int>& flags)>;
 
 inline constexpr double kMarkedBulge = 0.000001;  // a straight span that an out-and-back step left
-inline constexpr AcGePoint2d kNoBreak{-99999.0, 99999.0};
+[[nodiscard]] constexpr bool isArcBulge(double bulge) {
+  return bulge != 0 && bulge != kMarkedBulge;
+}
 
 class CToolPath : public CToolPathBase {
  public:
@@ -95,6 +120,8 @@ class CToolPath : public CToolPathBase {
   ErrorStatus dwgInFields(AcDbDwgFiler& filer) override;  // every version up to 213; above: eMakeMeProxy
 
   // ---- host operations
+  // Draws from the fields alone and changes none; what a drawing is to leave behind, refreshFromDisplay
+  // takes.
   void worldDraw(AcGiWorldDraw& draw) const override;
   void list(std::vector<std::string>& lines) const override;
   ErrorStatus transformBy(const AcGeMatrix3d& m) override;
@@ -103,8 +130,13 @@ class CToolPath : public CToolPathBase {
   void getGripPoints(std::vector<AcGePoint3d>& out) const override;
   ErrorStatus moveGripPointsAt(const std::vector<int>& indices, const AcGeVector3d& offset) override;
   ErrorStatus moveStretchPointsAt(const std::vector<int>& indices, const AcGeVector3d& offset) override;
-  // Keeps segment tapers and code insertions in step.
+  // Keeps segment tapers, code insertions and the break in step; the upper contour of a four-axis path has to
+  // be matched anew.
   void addVertexAt(int index, AcGePoint2d p, double bulge);
+  // After vertices were moved: a break that no longer lies on the path goes to the path's nearest point
+  // behind the lead-in, its exit along with it; the bulges of its halves become those of the span that it
+  // lies on.
+  void settleBreak();
 
   // ---- persisted fields
   [[nodiscard]] int nPathNo() const { return nPathNo_; }
@@ -129,6 +161,11 @@ class CToolPath : public CToolPathBase {
   [[nodiscard]] AcGePoint2d ptBreak() const { return ptBreak_; }
   [[nodiscard]] AcGePoint2d ptBreakExit() const { return ptBreakExit_; }
   [[nodiscard]] int nBreakSeg() const { return nBreakSeg_; }
+  [[nodiscard]] PathBreak breakPoint() const;
+  void setBreakPoint(const PathBreak& at);
+  // Past the closing point, and of the move that leaves it, mm; as refreshFromDisplay left them.
+  [[nodiscard]] double dOvercutLen() const { return dOvercutLen_; }
+  [[nodiscard]] double dOvercutExit() const { return dOvercutExit_; }
 
   void setPathNo(int number);
   void setProcessStyle(const ProcessStyle& style);
@@ -144,8 +181,12 @@ class CToolPath : public CToolPathBase {
   void setTaper(double degrees);  // clears the segment tapers
   // Taper of the segment under the point; false when no segment lies there.
   [[nodiscard]] bool setSegmentTaper(AcGePoint2d pick, double degrees);
+  // The same for the segment that starts at a vertex; no such vertex: nothing happens.
+  void setSegmentTaperAt(int vertex, double degrees);
   [[nodiscard]] bool hasSegTaper() const;
-  void setPrevEnd(AcGePoint2d p) { ptPrevEnd_ = p; }  // not stored with the drawing
+  // Where the wire stood before the path: follows from its place in the order, so it is neither stored nor
+  // undone, and may be set on a path that isn't open. Displays are told of a change.
+  void setPrevEnd(AcGePoint2d p) const;
   [[nodiscard]] AcGePoint2d getPrevEnd() const { return ptPrevEnd_; }
   // Where the wire stands after the path.
   using AcDbPolyline::getEndPoint;
@@ -154,6 +195,11 @@ class CToolPath : public CToolPathBase {
   [[nodiscard]] std::string getCodeAt(int vertex) const;
   void setCodeAt(int vertex, std::string text);
   void removeCodeAt(int vertex);
+  enum class CornerMark { kDone, kNoSegment, kStraight, kNextIsArc, kPreviousIsArc };
+  // Gives the corner arc under the point the code text "R", or takes its text away; the mark for all corners
+  // goes as well. The arc must stand between two straight spans. A text that stands there already is left.
+  // Anything but kDone: no code has changed.
+  [[nodiscard]] CornerMark markCorner(AcGePoint2d pick, bool on);
   [[nodiscard]] const std::vector<int>& aCodeVertex() const { return aCodeVertex_; }
   [[nodiscard]] const std::vector<std::string>& aCodeText() const { return aCodeText_; }
 
@@ -178,14 +224,26 @@ class CToolPath : public CToolPathBase {
 
   // ---- compensation
   //
-  // The
-  // polyline beside the path, left of travel where side * distance is above 0. Vertex 0 is the threading
+  // The polyline beside the path, left of travel where side * distance is above 0. Vertex 0 is the threading
   // point.
   [[nodiscard]] OffsetPath computeOffset(int side, double distance) const;
   [[nodiscard]] OffsetPath wireCentrePath() const;  // by dOffset and dClearance
-  [[nodiscard]] OffsetPath realContour() const;     // by dClearance alone
-  // False on an open path, nothing changed: catalogue messages 19 and 20. Codes follow their vertices; the
-  // threading point keeps its own.
+  // mm from the path to the wire's centre, above 0 left of travel.
+  [[nodiscard]] double wireOffsetToTheLeft() const {
+    return nSide_ * nDirection_ * (dOffset_ - nSide_ * dClearance_);
+  }
+  [[nodiscard]] OffsetPath realContour() const;  // by dClearance alone
+  // The overcut that a drawing with these settings shows: its length on a path that closes, on the inner
+  // side; elsewhere the exit from the break point. Settings without an exit length (0 or less) get half the
+  // wire's way in as theirs, from the first path that needs it.
+  [[nodiscard]] DisplayedOvercut displayedOvercut(const WireCutSettings& settings) const;
+  // Takes over what displayedOvercut tells, as if the path had just been drawn: for writers, who work with
+  // these lengths. In drawing order, since the first path may set the exit of all.
+  void refreshFromDisplay(WireCutSettings& settings);
+  // False on an open path, nothing changed: catalogue messages 19 and 20. What belongs to vertices and spans
+  // follows them: tapers, codes (the threading point keeps its own, a corner's mark stays with its arc), the
+  // break, and the upper contour of a
+  // four-axis path. A break leaves for the side that the path is entered from.
   [[nodiscard]] bool reverse();
   [[nodiscard]] bool flipSide();
   // `relief` may be empty: the lists are then copies of the polyline.
@@ -196,6 +254,12 @@ class CToolPath : public CToolPathBase {
 
  private:
   void take(const Making& making);
+  void moveBreakFor(int index, AcGePoint2d p);
+  [[nodiscard]] bool isCorner(int i) const;  // an arc between two straight spans
+  void reverseCodes(int n);                  // before the vertices
+  void reverseBreak(int n);
+  void reverseUpper(std::size_t n);
+  [[nodiscard]] DisplayedOvercut overcutOn(const PathCurve& wire, const WireCutSettings& settings) const;
   friend class PathRecord;
   friend class PathDrawing;
   int nPathNo_ = 0, nSide_ = 0, nDirection_ = 0;
@@ -220,7 +284,7 @@ class CToolPath : public CToolPathBase {
   double dOvercutLen_ = 0, dOvercutExit_ = 0;
   std::vector<int> aCodeVertex_;
   std::vector<std::string> aCodeText_;
-  AcGePoint2d ptPrevEnd_{-9999, 9999};
+  mutable AcGePoint2d ptPrevEnd_{-9999, 9999};
 };
 
 }  // namespace tarnex

@@ -77,6 +77,8 @@ TEST(ChainCandidates, AnswersAsAWalkOverTheListWould) {
         const AcGePoint2d p = point();
         index.touching(p, soup.tolerance, found);
         ASSERT_EQ(found, plain.touching(p, soup.tolerance)) << soup.name << ", round " << round;
+        const AcDbObjectId first = index.firstTouching(p, soup.tolerance, [](AcDbObjectId) { return true; });
+        ASSERT_EQ(first, found.empty() ? AcDbObjectId{} : found.front()) << soup.name;
         hits += found.size();
       }
       ASSERT_EQ(index.size(), plain.items.size()) << soup.name;

@@ -6,6 +6,7 @@
 #include <sstream>
 #include <thread>
 
+#include "frame/drawingvars.h"
 #include "frame/environment.h"
 #include "host/editor/session.h"
 #include "module/commandtable.h"
@@ -119,6 +120,45 @@ TEST_F(App, StartsWithoutFoldersAndTexts) {
   second.acrxEntryPoint(AppMessage::kInitAppMsg);
   bare.run({"TTT", "circle 0,0 5"});
   EXPECT_EQ(bare.all().size(), 1u);
+}
+
+TEST_F(App, WhatPathsShowIsAskedOnceAtTheStart) {
+  Session person;
+  person.answers({"bShowArrow=n", "=", "circle 0,0 5"});
+  Application asked(person.ed, {folder, 1});
+  asked.acrxEntryPoint(AppMessage::kInitAppMsg);
+  EXPECT_NE(person.out.find("What paths show"), std::string::npos) << person.out;
+  EXPECT_EQ(asked.module().settings.bShowArrow, 0);
+  EXPECT_EQ(DrawingVars(person.ed.database()).getInt("VORN_SHOW_bShowArrow"), 0);
+  EXPECT_FALSE(person.ed.database().modifiedSinceSave());
+  EXPECT_FALSE(person.ed.anyCommandFailed());
+  person.run({"new"});  // and the answer that followed was a command
+  EXPECT_EQ(person.status, 0);
+}
+
+TEST_F(App, WhereNobodyAnswersNothingIsAskedAndNothingWritten) {
+  EXPECT_EQ(session.out, "Tarnex is ready. BP makes paths, BB writes the 3B program.\n");
+  EXPECT_EQ(read("WireCut.set"), "(no file)");
+  EXPECT_FALSE(DrawingVars(session.ed.database()).exists("VORN_SHOW_bShowArrow"));
+  EXPECT_FALSE(session.ed.database().modifiedSinceSave());
+}
+
+// The paths' lines are in the user's language; those of other entities, and of paths without the application,
+// are the host's.
+TEST_F(App, ListTellsAPathInTheUsersLanguage) {
+  app.acrxEntryPoint(AppMessage::kUnloadAppMsg);
+  Session chinese;
+  Application second(chinese.ed, {folder, 2});
+  second.acrxEntryPoint(AppMessage::kInitAppMsg);
+  chinese.run({"circle 0,0 5", "circle 50,0 5", "setvar CMDDIA 0", "BP", "5,0", ""});
+  const std::string out = chinese.run({"list all", ""});
+  for (const char* line :
+       {"     轨迹序号: 1\n", "     丝补偿量: 0.08\n", "     类型: 内孔\n", "     方向: 逆时针\n",
+        "     穿丝点: ", "     切入点: ", "     封闭轮廓: 2 段，长度 31.416\n", "     长度单位为毫米。\n",
+        "CIRCLE  Layer: \"0\""})
+    EXPECT_NE(out.find(line), std::string::npos) << line << out;
+  second.acrxEntryPoint(AppMessage::kUnloadAppMsg);
+  EXPECT_NE(chinese.run({"list all", ""}).find("  Path number: 1\n"), std::string::npos);
 }
 
 // The program that one application writes for a job of its own.

@@ -127,6 +127,35 @@ TEST_F(Forms, ProgramOptionsNameTheMachine) {
   EXPECT_EQ(machine, "Mine");
 }
 
+TEST_F(Forms, WhatPathsShow) {
+  dialogs(false);
+  session.ed.preset("dArrowLen", "2.5");
+  session.ed.preset("bShowTool", "off");
+  session.ed.preset("nColorNumber", "4");
+  EXPECT_EQ(call("VornDlg"), 0) << session.out;  // confirmed, the other way round
+  EXPECT_EQ(stored().dArrowLen, 2.5);
+  EXPECT_EQ(stored().storedShowTool(), 0);  // every load turns it on, but the file holds what was chosen
+  EXPECT_EQ(stored().nColorNumber, 1);
+  EXPECT_NE(call("SetDlgView"), 0) << session.out;
+  EXPECT_EQ(stored().nColorNumber, 4);
+  EXPECT_EQ(stored().storedShowTool(), 0);
+  // The switch shows what stands in the file, though the settings that were read say otherwise.
+  dialogs(true);
+  session.answers({"=", "^C", "^C"});
+  EXPECT_EQ(call("VornDlg"), 0);
+  EXPECT_EQ(stored().storedShowTool(), 0);
+  const std::string file = read("WireCut.set");
+  EXPECT_EQ(call("VornDlg"), 1);
+  EXPECT_EQ(call("SetDlgView"), 0);
+  dialogs(false);
+  for (const auto& [name, value] : {std::pair("dTextHeight", "0"), std::pair("nColorReal", "-1")}) {
+    session.ed.preset(name, value);
+    EXPECT_EQ(call("VornDlg"), 1) << name;
+    EXPECT_EQ(call("SetDlgView"), 0) << name;
+  }
+  EXPECT_EQ(read("WireCut.set"), file);
+}
+
 // What a form shows, seen by a frame of another kind.
 class Recorder : public DialogFrame {
  public:
@@ -160,6 +189,8 @@ TEST_F(Forms, FitTheSettingsThatTheyStandFor) {
       {13, [&] { return entry("SetDlg", static_cast<WithMode*>(nullptr))(&frame, 0); }},
       {4, [&] { return entry("SetMDlg", static_cast<Plain*>(nullptr))(&frame); }},
       {12, [&] { return entry("PKZSDlg", static_cast<WithName*>(nullptr))(&frame, &machine); }},
+      {9, [&] { return entry("VornDlg", static_cast<Plain*>(nullptr))(&frame) == 0 ? 1 : 0; }},
+      {12, [&] { return entry("SetDlgView", static_cast<Plain*>(nullptr))(&frame); }},
       {4, [&] { return entry("DupDlg", static_cast<Plain*>(nullptr))(&frame); }}};
   for (const auto& [count, form] : forms) {
     EXPECT_EQ(form(), 1) << frame.alerts;  // what stands in fresh settings is within range

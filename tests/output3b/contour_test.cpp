@@ -247,6 +247,34 @@ TEST_F(Contour3b, TapersOfSegmentsMarkTheirNeighbours) {
   EXPECT_EQ(written(*round)[2], "B      0 B   9000 B   9000 B  12728 GY DD NR2 ;");
 }
 
+// The chamfer of 0.2 at (20,20) is dropped by a wire of 1 mm: what hangs behind it stays where it is.
+TEST_F(Contour3b, MarksAndCodesStayBehindADroppedVertex) {
+  const PolylineCurve c{{{{0, 0}, 0}, {{20, 0}, 0}, {{20, 19.8}, 0}, {{19.8, 20}, 0}, {{0, 20}, 0}}, true};
+  CToolPath path;
+  ASSERT_TRUE(path.initContour({{10, 10}, {20, 10}, 1, 1, 1, 0}, c, 1));
+  ASSERT_TRUE(path.setSegmentTaper({0, 10}, 1.5));  // from (0,20) down
+  path.setCodeAt(2, "A");                           // both at the chamfer
+  path.setCodeAt(3, "B");
+  path.setCodeAt(5, "R");  // at (0,0)
+  EXPECT_THAT(written(path),
+              ElementsAre(axis("GX", 9000, "L1"), axis("GY", 9000, "L2"), "A", "B",
+                          "B      0 B      0 B  18000 B  18000 GX  D L3 ;", axis("GY", 18000, "L4"), "R",
+                          "B      0 B      0 B  18000 B  18000 GX  D L1 ;", axis("GY", 9000, "L2"),
+                          axis("GX", 9000, "L3")));
+}
+
+// A text that hung on a corner before the step was put in hangs on the root behind the tip.
+TEST_F(Contour3b, ACodeAtAStepIsWrittenBehindIt) {
+  auto path = squareHole();
+  path->setCodeAt(2, "R");
+  path->addVertexAt(2, {20.5, 20}, kMarkedBulge);
+  path->addVertexAt(2, {20, 20}, kMarkedBulge);
+  const auto lines = written(*path);
+  EXPECT_THAT((std::vector<std::string>{lines.begin() + 1, lines.begin() + 6}),
+              ElementsAre(axis("GY", 9000, "L2"), "B      0 B      0 B    500 GX  L1 ",
+                          "B      0 B      0 B    500 GX  L3 ", "R", axis("GX", 18000, "L3")));
+}
+
 TEST_F(Contour3b, CodesBecomeBlocksOfTheirOwn) {
   auto path = squareHole();
   path->setCodeAt(0, "M1|M2");

@@ -176,5 +176,11 @@ TEST(Segment, ATinyArcOfALargeCircleNeverBecomesTheWholeCircle) {
     }
 }
 
+// An arc of 14 mm with its centre 2.7 km away: no count reaches it, and it leaves its chord by 9 nm.
+TEST(Segment, AnArcFlatterThanCountsReachIsALine) {
+  EXPECT_EQ(encodeSegment({0, 0}, {14, 3}, -1.3e-6), encodeSegment({0, 0}, {14, 3}, 0));
+  EXPECT_NE(encodeSegment({0, 0}, {14, 3}, -2e-6), encodeSegment({0, 0}, {14, 3}, 0));
+}
+
 }  // namespace
 }  // namespace tarnex

@@ -12,6 +12,7 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
+using testing::IsSupersetOf;
 using testing::Not;
 
 using Lines = std::vector<std::string>;
@@ -319,10 +320,30 @@ TEST(PathDisplay, ListTellsNumberClearanceAndOffset) {
               ElementsAre("  Path number: 7", "  Fit clearance: 0.025", "  Wire offset: 0.11",
                           "  Lengths are in millimetres."));
   const auto catalogue = [](int id, std::initializer_list<FormatArg> args) {
-    return "\n  " + std::to_string(id) + (args.size() ? formatChecked(id == 539 ? " %d" : " %g", args) : "") +
-           "\n";
+    std::string pattern = "\n  " + std::to_string(id);
+    for (const FormatArg& arg : args)
+      pattern += std::holds_alternative<double>(arg)      ? " %g"
+                 : std::holds_alternative<long long>(arg) ? " %d"
+                                                          : " %s";
+    return formatChecked(pattern, args) + "\n";
   };
-  EXPECT_THAT(pathListLines(*path, catalogue), ElementsAre("  539 7", "  541 0.025", "  542 0.11", "  540"));
+  // Five sides of a square of 20 mm, one of them in two halves.
+  EXPECT_THAT(pathListLines(*path, catalogue),
+              ElementsAre("  539 7", "  541 0.025", "  542 0.11", "  20230", "  20232", "  20234 10 10",
+                          "  20235 20 10", "  20240 5 80", "  540"));
+  path->setTaper(1.5);
+  path->setCodeAt(2, "M00");
+  path->setCodeAt(9, "M99");  // no such vertex
+  PathBreak at;
+  at.nBreakSeg = 4;
+  at.ptBreak = {5, 0};
+  path->setBreakPoint(at);
+  EXPECT_THAT(pathListLines(*path, catalogue),
+              IsSupersetOf({"  20236 1.5", "  20238 2 20 20 M00", "  20242 5 0"}));
+  ASSERT_TRUE(path->setSegmentTaper({10, 20}, -2));
+  EXPECT_THAT(pathListLines(*path, catalogue), Contains("  20237 2 20 20 -2"));
+  const auto lines2 = pathListLines(*squarePunch(), catalogue);
+  EXPECT_THAT(lines2, IsSupersetOf({"  20231", "  20233", "  20234 -5 10"}));
 }
 
 }  // namespace

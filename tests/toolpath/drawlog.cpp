@@ -137,7 +137,7 @@ std::unique_ptr<CToolPath> stored(const StoredPath& fields) {
     for (const double mark : fields.aSyncMark) f.writeDouble(mark);
   }
   f.writeInt16(static_cast<std::int16_t>(fields.nBreakSeg));
-  for (int i = 0; i < 4; ++i) f.writeDouble(0);
+  for (const double bulge : {fields.dBreakBulgeA, fields.dBreakBulgeB, 0.0, 0.0}) f.writeDouble(bulge);
   f.writePoint2d(fields.ptBreakUpper);
   f.writePoint2d(fields.ptBreakUpperExit);
   f.writeInt16(0);

@@ -54,6 +54,7 @@ struct StoredPath {
   bool bHasStyle = false, bClosed = true;
   AcGePoint2d ptBreak = {}, ptBreakExit = {}, ptBreakUpper = {}, ptBreakUpperExit = {};
   int nBreakSeg = -1;
+  double dBreakBulgeA = 0, dBreakBulgeB = 0;
 };
 std::unique_ptr<CToolPath> stored(const StoredPath& fields);
 

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "apps/tarnex/report3b.h"
+#include "host/display/plot.h"
 #include "host/platform/files.h"
 #include "host/platform/system.h"
 
@@ -91,6 +92,8 @@ std::string contradiction(const Job3bOptions& options) {
   if (several && !options.output.empty()) return "-o names one file; for several drawings use --out-dir";
   if (several && (!options.save.empty() || !options.plot.empty()))
     return std::string(options.save.empty() ? "--plot" : "--save") + " names one file; give one drawing";
+  if (!options.plot.empty() && !plotFormatOf(options.plot))
+    return "--plot " + options.plot + ": the name of a plot ends in .svg, .pdf or .png";
   std::map<std::string, std::string> writers;  // absolute path of a program: the drawing that it comes from
   for (const auto& drawing : options.drawings) {
     const std::string program = absolutePath(programFileOf(drawing, options));

@@ -8,63 +8,30 @@
 
 #include "apps/tarnex/job3b.h"
 #include "apps/tarnex/jobsteps.h"
+#include "exchange/truth_paths.h"
 #include "frame/drawingvars.h"
 #include "frame/folders.h"
 #include "host/editor/drawingfile.h"
 #include "host/platform/codepage.h"
 #include "host/platform/files.h"
 #include "machining/machinetable.h"
+#include "toolpath/reliefbinding.h"
 #include "toolpath/toolpath.h"
 
 namespace tarnex {
 
 namespace {
 
-truth::Figure figureOfPath(const CToolPath& path) {
-  truth::Figure f;
-  const PathContour& source = path.contour();
-  f.number = path.nPathNo();
-  f.compensation = path.dOffset() - path.nSide() * path.dClearance();
-  f.side = path.nSide() == kInnerHole ? truth::Side::kInside : truth::Side::kOutside;
-  f.direction = path.nDirection() > 0 ? truth::Direction::kCounterClockwise : truth::Direction::kClockwise;
-  f.threading = path.getPointAt(0);
-  if (source.bCircle) f.circle = truth::CircleFigure{source.ptCenter, source.dRadius};
-  f.contour.closed = source.bClosed;
-  for (const auto& v : source.aContour) f.contour.vertices.push_back({v.flat(), v.z});
-  return f;
-}
-
-// What may stand in a program beside the compensated contours: from the settings and from the drawing's own
-// variables.
+// With the texts of pause and stop of the machine that the program is for.
 truth::Expected expectedOf(AcDbDatabase& drawing, const WireCutSettings& s, Module& module,
                            const std::string& machine) {
-  const DrawingVars vars(drawing);
-  truth::Expected e;
-  e.origin = drawing.ucsorg.flat();
+  truth::Expected e = expectedOfPaths(drawing, s);
+  e.relieved = e.dFix > 0 && bindCornerRelief(module);
   MachineTable table;
   table.load(module.installFolder, module.language);
   const std::string name =
-      !machine.empty() ? machine : vars.getString("ISO_MACHINEKZS").value_or(s.sMachineKZS);
+      !machine.empty() ? machine : DrawingVars(drawing).getString("ISO_MACHINEKZS").value_or(s.sMachineKZS);
   table.find(name, e.pauseText, e.stopText);
-  if (vars.getInt("ISO_3BGUOQIE").value_or(s.bOvercut)) {
-    e.overcut = vars.getDouble("ISO_3BGUOQIELen").value_or(s.dOvercutLen);
-    e.overcutTangent = s.bOvercutTangent != 0;
-  }
-  if (vars.getInt("ISO_3BAUTOFIX").value_or(s.bAutoFix))
-    e.dFix = vars.getDouble("ISO_3BAUTOFIXLen").value_or(s.dAutoFixLen);
-  for (AcDbObjectId id : drawing.modelSpaceEntities())
-    if (const auto* path = drawing.peek<CToolPath>(id))
-      for (const auto& text : path->aCodeText())
-        for (std::size_t from = 0; from <= text.size();) {
-          const std::size_t bar = std::min(text.find('|', from), text.size());
-          if (bar > from) e.codes.push_back(text.substr(from, bar - from));
-          from = bar + 1;
-        }
-  for (int k = 0;; ++k) {
-    const auto p = vars.getPoint("ENDPOINT" + std::to_string(k));
-    if (!p) break;
-    e.endPoints.push_back(p->flat());
-  }
   return e;
 }
 
@@ -100,16 +67,6 @@ void print(const truth::Report& report, bool json) {
 }
 
 }  // namespace
-
-std::vector<truth::Figure> figuresOfPaths(const AcDbDatabase& drawing) {
-  std::vector<truth::Figure> figures;
-  for (AcDbObjectId id : drawing.modelSpaceEntities())
-    if (const auto* path = drawing.peek<CToolPath>(id); path && path->numVerts() > 0)
-      figures.push_back(figureOfPath(*path));
-  std::stable_sort(figures.begin(), figures.end(),
-                   [](const auto& a, const auto& b) { return a.number < b.number; });
-  return figures;
-}
 
 std::vector<truth::Figure> figuresOfContours(const AcDbDatabase& drawing, double offset) {
   std::vector<AcDbObjectId> ids = drawing.modelSpaceEntities();

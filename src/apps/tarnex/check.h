@@ -20,8 +20,6 @@ struct CheckOptions {
 };
 int runCheck(const CheckOptions& options);
 
-// One figure per path of the drawing, by path number.
-[[nodiscard]] std::vector<truth::Figure> figuresOfPaths(const AcDbDatabase& drawing);
 // One figure per closed contour, cut `offset` mm beside it.
 [[nodiscard]] std::vector<truth::Figure> figuresOfContours(const AcDbDatabase& drawing, double offset);
 

@@ -8,7 +8,6 @@
 #include "contour/geometrylibrary.h"
 #include "contour/hosthelpers.h"
 #include "frame/folders.h"
-#include "host/display/svg.h"
 #include "host/editor/drawingfile.h"
 #include "host/platform/files.h"
 #include "host/platform/format.h"

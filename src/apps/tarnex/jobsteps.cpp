@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "contour/geometrylibrary.h"
-#include "host/display/svg.h"
+#include "host/display/plot.h"
 #include "host/platform/format.h"
 #include "pathcmd/paths.h"
 
@@ -24,20 +24,17 @@ bool listed(const std::vector<std::string>& names, const std::string& name) {
 
 }  // namespace
 
-std::vector<AcDbObjectId> JobSteps::shown() const {
+template <class T>
+std::vector<AcDbObjectId> JobSteps::shownOf() const {
+  const AcDbDatabase& drawing = session_.drawing();
   std::vector<AcDbObjectId> ids;
-  for (AcDbObjectId id : session_.drawing().modelSpaceEntities())
-    if (const auto* entity = session_.drawing().peek<AcDbEntity>(id);
-        entity && session_.drawing().isShown(*entity))
-      ids.push_back(id);
+  for (AcDbObjectId id : drawing.modelSpaceEntities())
+    if (const T* entity = drawing.peek<T>(id); entity && drawing.isShown(*entity)) ids.push_back(id);
   return ids;
 }
 
-template <class T>
-std::vector<AcDbObjectId> JobSteps::shownOf() const {
-  auto ids = shown();
-  std::erase_if(ids, [&](AcDbObjectId id) { return !session_.drawing().peek<T>(id); });
-  return ids;
+std::vector<AcDbObjectId> JobSteps::shown() const {
+  return shownOf<AcDbEntity>();
 }
 
 bool JobSteps::hasPaths() const {
@@ -219,10 +216,7 @@ std::string sentenceOf(const WireWarning& w) {
 }
 
 std::optional<FileError> plotPaths(Session& session, const std::string& path) {
-  const PathDisplay display = pathDisplay(session.module());
-  DisplayOptions options;
-  options.applicationContext = &display;
-  return writeSvg(path, buildDisplayList(session.drawing(), options));
+  return writePlot(path, session.editor.shown());
 }
 
 }  // namespace tarnex

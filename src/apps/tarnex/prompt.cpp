@@ -34,7 +34,7 @@ bool openFirst(Session& session, const std::string& drawing, int& exitCode) {
 
 }  // namespace
 
-int runScript(const std::string& script, const std::string& drawing) {
+int runScript(const std::string& script, const std::string& drawing, Pace pace) {
   const auto text = readFile(script);
   if (!text) {
     std::fprintf(stderr, "%s\n", text.error.text().c_str());
@@ -44,19 +44,24 @@ int runScript(const std::string& script, const std::string& drawing) {
   int exitCode = kDone;
   if (!openFirst(session, drawing, exitCode)) return exitCode;
   (void)session.editor.acedSetVar("CMDDIA", 0LL);
+  session.editor.setPaced(pace == Pace::kPaced);
   session.editor.pushInput(std::make_shared<ScriptInput>(script, *text.value));
   exitCode = session.editor.runLoop() == 0 ? kDone : kFailed;
   session.editor.print("\n");
   return exitCode;
 }
 
-int runCommandLine(const std::string& drawing) {
-  Session session(std::make_unique<StreamSink>(), installFolder());
+int runCommandLine(const std::string& drawing, Pace pace) {
+  const bool person = isTerminal(0);
+  Session session(std::make_unique<StreamSink>(), installFolder(),
+                  person ? terminalInput(usualHistoryFile()) : nullptr);
   int exitCode = kDone;
   if (!openFirst(session, drawing, exitCode)) return exitCode;
-  const bool person = isTerminal(0);
-  (void)session.editor.acedSetVar("CMDDIA", person ? 1LL : 0LL);
-  session.editor.pushInput(terminalInput(person ? usualHistoryFile() : ""));
+  if (!person) {
+    (void)session.editor.acedSetVar("CMDDIA", 0LL);
+    session.editor.setPaced(pace == Pace::kPaced);
+    session.editor.pushInput(terminalInput(""));
+  }
   exitCode = session.editor.runLoop() == 0 ? kDone : kFailed;
   session.editor.print("\n");
   // At a terminal a command that failed has been seen; only scripts are judged by the exit code.

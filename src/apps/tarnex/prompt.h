@@ -6,8 +6,10 @@
 
 namespace tarnex {
 
-int runScript(const std::string& script, const std::string& drawing);
-int runCommandLine(const std::string& drawing);
+enum class Pace { kPaced, kNoWait };  // of commands that wait for the eye
+
+int runScript(const std::string& script, const std::string& drawing, Pace pace = Pace::kPaced);
+int runCommandLine(const std::string& drawing, Pace pace = Pace::kPaced);
 int listCommands(bool json);
 
 }  // namespace tarnex

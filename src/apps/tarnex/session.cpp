@@ -40,8 +40,10 @@ JobFolder::~JobFolder() {
   (void)removeTree(path_);
 }
 
-Session::Session(std::unique_ptr<OutputSink> sink, const std::string& installFolder)
+Session::Session(std::unique_ptr<OutputSink> sink, const std::string& installFolder,
+                 std::shared_ptr<InputSource> person)
     : editor(std::move(sink)), application(editor, {installFolder, std::nullopt}) {
+  if (person) editor.pushInput(std::move(person));
   application.acrxEntryPoint(AppMessage::kInitAppMsg);
 }
 

@@ -38,7 +38,9 @@ class JobFolder {
 
 class Session {
  public:
-  Session(std::unique_ptr<OutputSink> sink, const std::string& installFolder);
+  // `person`: who answers from the start on, also what the system asks when it comes up; null: nobody yet.
+  Session(std::unique_ptr<OutputSink> sink, const std::string& installFolder,
+          std::shared_ptr<InputSource> person = nullptr);
   ~Session();
   // Runs lines as a script would give them; they are kept in `script`. False when a command failed. After an
   // interrupt no line is run any more.

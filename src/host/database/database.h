@@ -75,7 +75,7 @@ class AcDbDatabase {
   [[nodiscard]] AcDbObjectId paperSpace() const;
   [[nodiscard]] AcDbObjectId namedObjectsDictionary() const;
   [[nodiscard]] std::string layerName(AcDbObjectId layer) const;  // "0" for null
-  // On, thawed and (for the entity) visible.
+  // On, thawed and (for the entity) visible and not hidden.
   [[nodiscard]] bool isShown(const AcDbEntity& entity) const;
   [[nodiscard]] int effectiveColor(const AcDbEntity& entity) const;  // by layer resolved
 
@@ -96,8 +96,12 @@ class AcDbDatabase {
   // ---- undo
   // Everything that changes between a mark and the next is one step.
   void startUndoMark(std::string label);
-  void endUndoMark();                       // an empty step vanishes
-  void rollBack();                          // undoes the running step, for a cancelled command
+  void endUndoMark();  // an empty step vanishes
+  void rollBack();     // undoes the running step, for a cancelled command
+  // Entities that the running step appended go as if they had never been: the step has nothing of them, their
+  // handles are free again. For marks that a command shows for a moment. Others are left alone; without a
+  // running step all are erased.
+  void takeBack(std::vector<AcDbObjectId> marks);
   bool undo(std::string* label = nullptr);  // false when there is nothing
   bool redo(std::string* label = nullptr);
   void forgetUndo();  // after reading a drawing
@@ -113,6 +117,11 @@ class AcDbDatabase {
   // Ids touched since the stamp, sorted, each once (erased ones too); false when the feed no longer reaches
   // back.
   [[nodiscard]] bool changesSince(std::uint64_t stamp, std::vector<AcDbObjectId>& ids) const;
+  // Counts an entity as touched: what it is drawn with has changed, though the drawing hasn't.
+  void noteChange(AcDbObjectId id);
+  // Lives as long as the drawing. Who keeps something beside a drawing knows by it that a later one isn't the
+  // same, though it lies in the same memory.
+  [[nodiscard]] std::weak_ptr<const void> life() const;
 
  private:
   friend class AcDbObject;
@@ -133,6 +142,29 @@ void Opened<T>::close() {
   if (!object_) return;
   object_->database()->closeObject(*object_, mode_);
   object_ = nullptr;
+}
+
+template <class T>
+ErrorStatus Opened<T>::downgradeOpen() {
+  if (!object_ || mode_ != OpenMode::kForWrite) return ErrorStatus::eNotOpenForWrite;
+  AcDbDatabase& database = *object_->database();
+  const AcDbObjectId id = object_->objectId();
+  close();
+  *this = database.open<T>(id, OpenMode::kForRead);
+  return status_;
+}
+
+template <class T>
+ErrorStatus Opened<T>::upgradeOpen() {
+  if (!object_) return status_;
+  if (mode_ == OpenMode::kForWrite) return ErrorStatus::eOk;
+  AcDbDatabase& database = *object_->database();
+  const AcDbObjectId id = object_->objectId();
+  close();
+  *this = database.open<T>(id, OpenMode::kForWrite);
+  const ErrorStatus status = status_;
+  if (!object_) *this = database.open<T>(id, OpenMode::kForRead);
+  return status;
 }
 
 }  // namespace tarnex

@@ -81,7 +81,7 @@ std::string AcDbDatabase::layerName(AcDbObjectId layer) const {
 }
 
 bool AcDbDatabase::isShown(const AcDbEntity& entity) const {
-  if (entity.isInvisible()) return false;
+  if (entity.isInvisible() || entity.isHidden()) return false;
   const auto* record =
       peek<AcDbLayerTableRecord>(entity.layerId().isNull() ? state_->layerZero : entity.layerId());
   return !record || (!record->isOff() && !record->isFrozen());
@@ -104,6 +104,14 @@ void AcDbDatabase::startUndoMark(std::string label) {
 }
 void AcDbDatabase::endUndoMark() {
   state_->journal.end();
+}
+void AcDbDatabase::takeBack(std::vector<AcDbObjectId> marks) {
+  if (state_->journal.running()) {
+    state_->journal.takeBack(std::move(marks));
+    return;
+  }
+  for (const AcDbObjectId id : marks)
+    if (peekObject(id)) eraseObject(*state_->at(id));
 }
 void AcDbDatabase::rollBack() {
   state_->journal.rollBack();
@@ -146,6 +154,14 @@ std::uint64_t AcDbDatabase::changeStamp() const {
 bool AcDbDatabase::changesSince(std::uint64_t stamp, std::vector<AcDbObjectId>& ids) const {
   state_->followBlocks();
   return state_->feed.since(stamp, ids);
+}
+
+void AcDbDatabase::noteChange(AcDbObjectId id) {
+  if (const AcDbObject* object = state_->at(id)) state_->touch(*object);
+}
+
+std::weak_ptr<const void> AcDbDatabase::life() const {
+  return state_->life;
 }
 
 }  // namespace tarnex

@@ -14,7 +14,7 @@ const AcRxClass& AcDbEntity::desc() {
   return kClass;
 }
 
-// A copy is not lit up.
+// A copy is neither lit up nor hidden.
 AcDbEntity::AcDbEntity(const AcDbEntity& other)
     : AcDbObject(other),
       layer_(other.layer_),

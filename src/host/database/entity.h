@@ -32,6 +32,8 @@ inline constexpr int kColorByLayer = 256;
 inline constexpr int kColorByBlock = 0;
 inline constexpr int kForegroundColor = 7;  // black on white, white on black
 
+enum class Visibility { kInvisible, kVisible };
+
 class AcDbEntity : public AcDbObject {
  public:
   static const AcRxClass& desc();
@@ -45,6 +47,10 @@ class AcDbEntity : public AcDbObject {
   void setLinetype(AcDbObjectId linetype) { change(linetype_, linetype); }
   [[nodiscard]] bool isInvisible() const { return invisible_; }
   void setInvisible(bool v) { change(invisible_, v); }
+  // Hidden on the screen for a while, or shown again; with all of its parts. The drawing doesn't change by
+  // it: undo, files and copies know nothing of it, and what is invisible by its own property stays so.
+  void setVisibility(Visibility v) { hidden_ = v == Visibility::kInvisible; }
+  [[nodiscard]] bool isHidden() const { return hidden_; }
   [[nodiscard]] bool isHighlighted() const { return highlighted_; }
   void highlight() { highlighted_ = true; }  // until unhighlight or the next regen
   void unhighlight() { highlighted_ = false; }
@@ -80,7 +86,7 @@ class AcDbEntity : public AcDbObject {
  private:
   AcDbObjectId layer_, linetype_;
   std::int16_t color_ = kColorByLayer;
-  bool invisible_ = false, highlighted_ = false;
+  bool invisible_ = false, highlighted_ = false, hidden_ = false;
 };
 
 class AcDbCurve : public AcDbEntity {

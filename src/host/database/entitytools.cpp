@@ -2,6 +2,7 @@
 // Knows curves; no entity class.
 #include "host/database/entitytools.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace tarnex {
@@ -72,29 +73,40 @@ void drawArc(AcGiWorldDraw& draw, const ArcCurve& arc, double z) {
   draw.circularArc(at(0), at(0.5), at(1));
 }
 
-// Straight spans that follow each other are one primitive.
-void drawPolyline(AcGiWorldDraw& draw, const PolylineCurve& c, double z) {
-  std::vector<AcGePoint3d> run;
-  const auto flush = [&] {
-    if (run.size() > 1) draw.polyline(run);
-    run.clear();
-  };
-  for (std::size_t i = 0; i < c.spanCount(); ++i) {
-    const Curve span = spanCurve(c, i);
-    if (const auto* arc = std::get_if<ArcCurve>(&span)) {
-      flush();
-      drawArc(draw, *arc, z);
-      continue;
-    }
-    if (run.empty()) run.push_back(solid(c.vertices[i].point, z));
-    run.push_back(solid(c.vertices[(i + 1) % c.vertices.size()].point, z));
-  }
-  flush();
+constexpr double kFlattestBulge = 1e-8;  // flatter arcs are chords, as the kernel has them
+
+bool isFinite(const PolylineCurve& c) {
+  return std::all_of(c.vertices.begin(), c.vertices.end(), [](const BulgeVertex& v) {
+    return std::isfinite(v.point.x) && std::isfinite(v.point.y) && std::isfinite(v.bulge);
+  });
 }
 
 constexpr double kDrawnRay = 1e5;  // mm that are drawn of what has no end
 
 }  // namespace
+
+void drawCurve(AcGiWorldDraw& draw, const PolylineCurve& c, double z) {
+  if (!isFinite(c)) return;
+  std::vector<AcGePoint3d> run;
+  run.reserve(c.vertices.size() + 1);
+  const auto flush = [&] {
+    if (run.size() > 1) draw.polyline(run);
+    run.clear();
+  };
+  for (std::size_t i = 0; i < c.spanCount(); ++i) {
+    const BulgeVertex& v = c.vertices[i];
+    const AcGePoint2d a = v.point, b = c.vertices[i + 1 < c.vertices.size() ? i + 1 : 0].point;
+    if (std::abs(v.bulge) >= kFlattestBulge && a != b) {
+      flush();
+      const AcGePoint2d middle = midpoint(a, b) - (b - a).perpVector() * (v.bulge / 2);
+      draw.circularArc(solid(a, z), solid(middle, z), solid(b, z));
+      continue;
+    }
+    if (run.empty()) run.push_back(solid(a, z));
+    run.push_back(solid(b, z));
+  }
+  flush();
+}
 
 void drawCurve(AcGiWorldDraw& draw, const Curve& c, double z) {
   if (!isValid(c)) return;
@@ -107,7 +119,7 @@ void drawCurve(AcGiWorldDraw& draw, const Curve& c, double z) {
   } else if (const auto* arc = std::get_if<ArcCurve>(&c)) {
     drawArc(draw, *arc, z);
   } else if (const auto* polyline = std::get_if<PolylineCurve>(&c)) {
-    drawPolyline(draw, *polyline, z);
+    drawCurve(draw, *polyline, z);
   } else {
     drawChords(draw, c, z);
   }

@@ -14,6 +14,8 @@ namespace tarnex {
 // Draws a curve at height z: arcs as arcs, ellipses and NURBS as chords no farther from them than 1/1000 of
 // their size.
 void drawCurve(AcGiWorldDraw& draw, const Curve& c, double z);
+// Straight spans that follow each other are one primitive; arcs end on the vertices to the last bit.
+void drawCurve(AcGiWorldDraw& draw, const PolylineCurve& c, double z);
 
 // "X=1.0000 Y=2.0000 Z=0.0000"; numbers with four decimals and a point.
 [[nodiscard]] std::string pointText(const AcGePoint3d& p);

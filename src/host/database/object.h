@@ -118,6 +118,12 @@ class Opened {
   }
   ~Opened() { close(); }
   void close();  // early, so that the object can be opened again
+  // From write to read while others, or a prompt, may look at it: eNotOpenForWrite when it isn't.
+  ErrorStatus downgradeOpen();
+  // Back to write: what `open` for write answers (eWasOpenForRead while others read, eOnLockedLayer, ...); it
+  // is open for read then as before, or no longer when it was erased meanwhile. The object may be another one
+  // than before the prompt: take it from here again.
+  ErrorStatus upgradeOpen();
 
   explicit operator bool() const { return object_ != nullptr; }
   T* operator->() const { return object_; }

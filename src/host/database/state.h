@@ -2,6 +2,7 @@
 // Knows the tables of objects, handles and names; not what entities are made of.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -67,6 +68,7 @@ struct AcDbDatabase::State {
   ChangeFeed feed;
   BlockContents contents;
   SpatialIndex index;
+  std::shared_ptr<const int> life = std::make_shared<const int>(0);
 };
 
 }  // namespace tarnex

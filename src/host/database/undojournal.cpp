@@ -93,6 +93,21 @@ void UndoJournal::rollBack() {
   step_ = {};
 }
 
+void UndoJournal::takeBack(std::vector<AcDbObjectId> ids) {
+  auto& state = *database_.state_;
+  std::erase_if(ids, [&](AcDbObjectId id) { return id.index < step_.firstNewId || !state.at(id); });
+  std::sort(ids.begin(), ids.end());
+  ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+  const auto taken = [&](AcDbObjectId id) { return std::binary_search(ids.begin(), ids.end(), id); };
+  std::erase_if(step_.changes, [&](const Change& change) { return taken(change.id); });
+  std::erase_if(ready_, taken);
+  for (auto id = ids.rbegin(); id != ids.rend(); ++id) {
+    auto object = state.unlink(*id);
+    if (state.nextHandle == object->handle_ + 1) state.nextHandle = object->handle_;
+    if (object->readers_ != 0 || object->writer_) parted_.push_back(std::move(object));
+  }
+}
+
 bool UndoJournal::undo(std::string* label) {
   if (done_.empty() || (running_ && !step_.changes.empty())) return false;
   closeReady();

@@ -26,6 +26,7 @@ class UndoJournal {
   void start(std::string label);
   void end();
   void rollBack();
+  void takeBack(std::vector<AcDbObjectId> ids);  // what the running step appended, without a trace
   bool undo(std::string* label);
   bool redo(std::string* label);
   void forget();

@@ -3,6 +3,8 @@
 #include "host/display/displaylist.h"
 
 #include <algorithm>
+#include <array>
+#include <limits>
 
 #include "host/database/linetypes.h"
 #include "host/display/shape.h"
@@ -10,6 +12,10 @@
 namespace tarnex {
 
 namespace {
+
+// So many entities of a large drawing tell how much room all of them take.
+constexpr std::size_t kSample = 64, kLarge = 256;
+constexpr int kContinuous = 0, kByLayer = -1, kUnknown = -2;  // beside indices of patterns
 
 bool drawable(double v) {
   return std::abs(v) <= kFarthestDrawn;
@@ -23,113 +29,195 @@ bool sameName(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&](char x, char y) { return low(x) == low(y); });
 }
 
-double realHeader(const AcDbDatabase& drawing, const char* name, double otherwise) {
-  const auto found = drawing.headerVariables.find(name);
-  const auto* value =
-      found == drawing.headerVariables.end() ? nullptr : std::get_if<double>(&found->second.value);
-  return value && *value > 0 && std::isfinite(*value) ? *value : otherwise;
+}  // namespace
+
+// ---- the list
+
+DrawnShape DisplayList::shapeOf(const Primitive& p) const {
+  switch (p.kind) {
+    case ShapeKind::kPolyline:
+      return DrawnPolyline{std::span(points_).subspan(p.first, p.count)};
+    case ShapeKind::kCircle:
+      return DrawnCircle{points_[p.first], points_[p.first + 1].x};
+    case ShapeKind::kArc:
+      return DrawnArc{points_[p.first], points_[p.first + 1], points_[p.first + 2]};
+    case ShapeKind::kText:
+      break;
+  }
+  const Letters& text = texts_[p.first];
+  return DrawnText{text.position, text.direction, text.height,
+                   std::string_view(letters_).substr(text.at, text.size)};
 }
 
-bool wanted(const AcDbDatabase& drawing, const AcDbEntity& entity, const DisplayOptions& options) {
+void DisplayList::put(Primitive& look, ShapeKind kind, std::span<const AcGePoint3d> points) {
+  look.kind = kind;
+  look.first = static_cast<std::uint32_t>(points_.size());
+  look.count = static_cast<std::uint32_t>(points.size());
+  points_.insert(points_.end(), points.begin(), points.end());
+  primitives.push_back(look);
+}
+
+void DisplayList::add(Primitive look, const DrawnPolyline& s) {
+  put(look, ShapeKind::kPolyline, s.points);
+}
+void DisplayList::add(Primitive look, const DrawnCircle& s) {
+  put(look, ShapeKind::kCircle, std::array{s.centre, AcGePoint3d{s.radius, 0, 0}});
+}
+void DisplayList::add(Primitive look, const DrawnArc& s) {
+  put(look, ShapeKind::kArc, std::array{s.start, s.point, s.end});
+}
+void DisplayList::add(Primitive look, const DrawnText& s) {
+  look.kind = ShapeKind::kText;
+  look.first = static_cast<std::uint32_t>(texts_.size());
+  look.count = 1;
+  texts_.push_back({s.position, s.direction, s.height, letters_.size(), s.utf8.size()});
+  letters_ += s.utf8;
+  primitives.push_back(look);
+}
+void DisplayList::add(const Primitive& look, const DrawnShape& shape) {
+  std::visit([&](const auto& s) { add(look, s); }, shape);
+}
+
+void DisplayList::reserveTimes(std::size_t times) {
+  primitives.reserve(primitives.size() * times);
+  points_.reserve(points_.size() * times);
+  texts_.reserve(texts_.size() * times);
+  letters_.reserve(letters_.size() * times);
+}
+
+void DisplayList::reserveAs(const DisplayList& other) {
+  primitives.reserve(other.primitives.size());
+  points_.reserve(other.points_.size());
+  texts_.reserve(other.texts_.size());
+  letters_.reserve(other.letters_.size());
+}
+
+double patternScaleOf(const AcDbDatabase& drawing) {
+  const auto found = drawing.headerVariables.find("$LTSCALE");
+  const auto* value =
+      found == drawing.headerVariables.end() ? nullptr : std::get_if<double>(&found->second.value);
+  return value && *value > 0 && std::isfinite(*value) ? *value : 1;
+}
+
+bool isListed(const AcDbDatabase& drawing, const AcDbEntity& entity, const DisplayOptions& options) {
   if (!drawing.isShown(entity)) return false;
-  if (options.wantsLayer && !options.wantsLayer(drawing.layerName(entity.layerId()))) return false;
+  if (!options.wantsLayer && !options.plottableOnly) return true;
   const auto* layer = drawing.peek<AcDbLayerTableRecord>(entity.layerId());
+  if (options.wantsLayer && !options.wantsLayer(layer ? layer->getName() : "0")) return false;
   return !options.plottableOnly || !layer || layer->isPlottable();
 }
 
-}  // namespace
+void reserveBySample(DisplayList& list, std::size_t recorded, std::size_t count) {
+  if (recorded == kSample && count >= kLarge) list.reserveTimes(count / kSample + 2);
+}
 
 DisplayList buildDisplayList(const AcDbDatabase& drawing, const DisplayOptions& options) {
   DisplayList list;
-  list.patternScale = realHeader(drawing, "$LTSCALE", 1);
+  list.patternScale = patternScaleOf(drawing);
   DisplayRecorder recorder(list, &drawing, options.applicationContext);
   const auto ids = drawing.modelSpaceEntities();
-  list.primitives.reserve(ids.size());
-  for (const AcDbObjectId id : ids) {
-    const auto* entity = drawing.peek<AcDbEntity>(id);
-    if (entity && wanted(drawing, *entity, options)) recorder.record(*entity);
+  for (std::size_t i = 0; i < ids.size(); ++i) {
+    const auto* entity = drawing.peek<AcDbEntity>(ids[i]);
+    if (entity && isListed(drawing, *entity, options)) recorder.record(*entity);
+    reserveBySample(list, i + 1, ids.size());
   }
   return list;
 }
 
 // ---- what is in force
 
-void DisplayRecorder::record(const AcDbEntity& entity) {
-  entity_ = &entity;
+DisplayRecorder::DisplayRecorder(DisplayList& list, const AcDbDatabase* drawing, const void* context)
+    : list_(list), drawing_(drawing), context_(context) {
+  for (std::size_t i = 1; i < list.patterns.size(); ++i)
+    patternNames_.emplace(list.patterns[i].name, static_cast<int>(i));
+}
+
+Extents2d DisplayRecorder::record(const AcDbEntity& entity) {
+  layer_ = &layerOf(entity);
   now_ = {};
   now_.owner = entity.objectId();
   setColor(entity.colorIndex());
-  now_.pattern = patternOf(linetypeOf(entity));
+  now_.pattern = static_cast<std::uint16_t>(patternOf(entity.linetypeId(), layer_->pattern));
   entityBox_ = {};
   entity.worldDraw(*this);
-  list_.extents.add(entity.isKindOf(AcDbRay::desc()) ? entity.getGeomExtents() : entityBox_);
-  entity_ = nullptr;
+  if (entity.isKindOf(AcDbRay::desc())) entityBox_ = entity.getGeomExtents();
+  list_.extents.add(entityBox_);
+  layer_ = nullptr;
+  return entityBox_;
 }
 
-const AcDbLayerTableRecord* DisplayRecorder::layerOf(const AcDbEntity& entity) const {
-  if (!drawing_) return nullptr;
-  return drawing_->peek<AcDbLayerTableRecord>(entity.layerId().isNull() ? drawing_->layer("0")
-                                                                        : entity.layerId());
-}
-
-const AcDbLinetypeTableRecord* DisplayRecorder::linetypeOf(const AcDbEntity& entity) const {
-  if (!drawing_) return nullptr;
-  const auto* own = drawing_->peek<AcDbLinetypeTableRecord>(entity.linetypeId());
-  if (own && !sameName(own->getName(), "ByLayer")) return own;
-  const auto* layer = layerOf(entity);
-  return layer ? drawing_->peek<AcDbLinetypeTableRecord>(layer->linetypeId()) : nullptr;
+const DisplayRecorder::LayerLook& DisplayRecorder::layerOf(const AcDbEntity& entity) {
+  const auto [place, added] = layers_.try_emplace(entity.layerId().index);
+  LayerLook& look = place->second;
+  if (!added || !drawing_) return look;
+  const auto* layer = drawing_->peek<AcDbLayerTableRecord>(entity.layerId().isNull() ? drawing_->layer("0")
+                                                                                     : entity.layerId());
+  if (!layer) return look;
+  look.color = layer->colorIndex();
+  if (const auto* linetype = drawing_->peek<AcDbLinetypeTableRecord>(layer->linetypeId()))
+    look.pattern = patternNamed(linetype->getName(), linetype->dashes);
+  return look;
 }
 
 int DisplayRecorder::patternNamed(const std::string& name, const std::vector<double>& dashes) {
-  if (dashes.empty()) return 0;
-  const auto [place, added] = known_.emplace(name, static_cast<int>(list_.patterns.size()));
-  if (added) list_.patterns.push_back({name, dashes});
+  if (dashes.empty()) return kContinuous;
+  const auto [place, added] = patternNames_.emplace(name, static_cast<int>(list_.patterns.size()));
+  if (!added) return place->second;
+  if (place->second > std::numeric_limits<std::uint16_t>::max()) return place->second = kContinuous;
+  list_.patterns.push_back({name, dashes});
   return place->second;
 }
 
-int DisplayRecorder::patternOf(const AcDbLinetypeTableRecord* linetype) {
-  return linetype ? patternNamed(linetype->getName(), linetype->dashes) : 0;
+// The line type's pattern; `otherwise` for none, or one that is by layer.
+int DisplayRecorder::patternOf(AcDbObjectId linetype, int otherwise) {
+  if (!drawing_ || linetype.isNull()) return otherwise;
+  const auto [place, added] = linetypes_.emplace(linetype.index, kByLayer);
+  if (added) {
+    const auto* record = drawing_->peek<AcDbLinetypeTableRecord>(linetype);
+    if (record && !sameName(record->getName(), "ByLayer"))
+      place->second = patternNamed(record->getName(), record->dashes);
+  }
+  return place->second == kByLayer ? otherwise : place->second;
 }
 
 void DisplayRecorder::setColor(int index) {
-  if (index == kColorByLayer && entity_) {
-    const auto* layer = layerOf(*entity_);
-    index = layer ? layer->colorIndex() : kForegroundColor;
-  }
-  now_.color = index >= 1 && index <= 255 ? index : kForegroundColor;
+  if (index == kColorByLayer && layer_) index = layer_->color;
+  now_.color = static_cast<std::uint8_t>(index >= 1 && index <= 255 ? index : kForegroundColor);
 }
 
 void DisplayRecorder::setLineType(std::string_view name) {
-  if (entity_ && sameName(name, "ByLayer")) {
-    const auto* layer = layerOf(*entity_);
-    now_.pattern =
-        layer && drawing_ ? patternOf(drawing_->peek<AcDbLinetypeTableRecord>(layer->linetypeId())) : 0;
-  } else if (const auto* record =
-                 drawing_ ? drawing_->peek<AcDbLinetypeTableRecord>(drawing_->linetype(name)) : nullptr) {
-    now_.pattern = patternOf(record);
-  } else if (const auto host = hostLinetype(name)) {
-    now_.pattern = patternNamed(host->name, host->dashes);
-  }
+  auto known = std::find_if(asked_.begin(), asked_.end(), [&](const auto& a) { return a.first == name; });
+  if (known == asked_.end()) known = asked_.insert(known, {std::string(name), lookUp(name)});
+  if (known->second == kUnknown) return;
+  const int pattern = known->second == kByLayer ? layer_ ? layer_->pattern : kContinuous : known->second;
+  now_.pattern = static_cast<std::uint16_t>(pattern);
+}
+
+int DisplayRecorder::lookUp(std::string_view name) {
+  if (sameName(name, "ByLayer")) return kByLayer;
+  if (drawing_)
+    if (const auto* record = drawing_->peek<AcDbLinetypeTableRecord>(drawing_->linetype(name)))
+      return patternNamed(record->getName(), record->dashes);
+  const auto host = hostLinetype(name);
+  return host ? patternNamed(host->name, host->dashes) : kUnknown;
 }
 
 // ---- primitives
 
 template <class Shape>
-void DisplayRecorder::add(Shape shape, bool drawable) {
+void DisplayRecorder::add(const Shape& shape, bool drawable) {
   if (!drawable) {
     ++list_.dropped;
     return;
   }
-  now_.shape = std::move(shape);
-  entityBox_.add(extentsOf(now_));
-  list_.primitives.push_back(now_);
+  entityBox_.add(extentsOf(shape));
+  list_.add(now_, shape);
 }
 
 void DisplayRecorder::polyline(std::span<const AcGePoint3d> points) {
   if (points.empty()) return;
-  const bool good =
-      std::all_of(points.begin(), points.end(), [](const AcGePoint3d& p) { return drawable(p); });
-  add(DrawnPolyline{{points.begin(), points.end()}}, good);
+  add(DrawnPolyline{points},
+      std::all_of(points.begin(), points.end(), [](const AcGePoint3d& p) { return drawable(p); }));
 }
 
 void DisplayRecorder::circle(const AcGePoint3d& centre, double radius) {
@@ -146,7 +234,10 @@ void DisplayRecorder::text(const AcGePoint3d& position, AcGeVector3d direction, 
   if (utf8.empty()) return;
   const AcGeVector2d along = AcGeVector2d{direction.x, direction.y}.normal();
   const bool good = drawable(position) && drawable(along.x) && drawable(along.y) && drawable(height);
-  add(DrawnText{position, along.length() > 0 ? along : AcGeVector2d{1, 0}, std::abs(height), shownText(utf8)},
+  const bool coded = utf8.find("%%") != std::string_view::npos;
+  const std::string shown = coded ? shownText(utf8) : std::string();
+  add(DrawnText{position, along.length() > 0 ? along : AcGeVector2d{1, 0}, std::abs(height),
+                coded ? std::string_view(shown) : utf8},
       good);
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "host/display/labels.h"
 #include "host/display/shape.h"
 
 namespace tarnex {
@@ -12,6 +13,7 @@ namespace {
 
 constexpr double kEmptyDrawing = 100;    // mm that a page without content shows
 constexpr double kSmallestShown = 1e-6;  // mm; below it there is nothing to see but rounding
+constexpr double kScaleRounding = 1e-9;  // of a scale that just fits
 constexpr double kFlattest = 0.01;       // of the longer side; a lone line still gets a page that can be seen
 
 double sane(double mm) {
@@ -41,56 +43,69 @@ Extents2d shownPart(const Extents2d& drawn, const PageOptions& options) {
   return atLeast(box, std::max(longer * kFlattest, kSmallestShown));
 }
 
-// Keeps the labels of one entity apart.
-class Labels {
+// Hands each shape over as the view shows it.
+class Walk {
  public:
-  DrawnText placed(const Primitive& p, const DrawnText& text) {
-    if (p.marker < 0) return text;
-    if (p.owner != owner_ || p.owner.isNull()) taken_.clear();
-    owner_ = p.owner;
-    DrawnText moved = text;
-    Primitive probe;
-    for (int turn = 0; turn <= kMostMoves; ++turn) {
-      const int lines = (turn % 2 ? -1 : 1) * ((turn + 1) / 2);  // 0, below, above, two below ...
-      const AcGeVector2d by = text.direction.perpVector() * (lines * kLineStep * text.height);
-      moved.position = text.position + AcGeVector3d{by.x, by.y, 0};
-      probe.shape = moved;
-      const Extents2d box = extentsOf(probe);
-      if (std::any_of(taken_.begin(), taken_.end(),
-                      [&](const Extents2d& other) { return other.overlaps(box); }))
-        continue;
-      taken_.push_back(box);
-      return moved;
+  Walk(const Projection& view, Painter& painter) : view_(view), painter_(painter), plan_(view.isPlan()) {}
+
+  void operator()(const DrawnPolyline& s) {
+    points_.clear();
+    if (plan_)
+      for (const AcGePoint3d& p : s.points) points_.push_back(p.flat());
+    else
+      for (const AcGePoint3d& p : s.points) points_.push_back(view_.at(p));
+    painter_.polyline(points_);
+  }
+  void operator()(const DrawnCircle& s) {
+    if (plan_)
+      painter_.circle(s.centre.flat(), s.radius);
+    else
+      bent({s.centre.flat(), s.radius, 0, 2 * kPi}, {s.centre.flat(), s.centre.z, {}});
+  }
+  void operator()(const DrawnArc& s) {
+    const AcGePoint2d start = s.start.flat();
+    if (plan_ && start != s.end.flat()) {
+      if (const auto circle = circleThrough(s))
+        return painter_.arc({start, s.point.flat(), s.end.flat(), start + circle->toCentre, circle->radius});
+    } else if (const auto arc = arcThrough(s)) {
+      return plan_ ? painter_.circle(arc->centre, arc->radius) : bent(*arc, planeThrough(s));
     }
-    return text;
+    const AcGePoint3d points[] = {s.start, s.point, s.end};
+    (*this)(DrawnPolyline{points});
+  }
+  void operator()(const DrawnText& s) { painter_.text(seenText(view_, s)); }
+
+ private:
+  void bent(const ArcCurve& arc, const ArcPlane& plane) {
+    if (const auto ellipse = seenArc(view_, arc, plane))
+      painter_.ellipse(*ellipse);
+    else
+      painter_.polyline(seenOnEdge(view_, arc, plane));
+  }
+
+  const Projection& view_;
+  Painter& painter_;
+  const bool plan_;
+  std::vector<AcGePoint2d> points_;
+};
+
+class Pens {
+ public:
+  explicit Pens(Painter& painter) : painter_(painter) {}
+  void take(const Primitive& p) {
+    if (p.color != color_ || p.pattern != pattern_) painter_.pen(p.color, p.pattern);
+    color_ = p.color;
+    pattern_ = p.pattern;
   }
 
  private:
-  static constexpr int kMostMoves = 8;
-  static constexpr double kLineStep = 1.4;  // of the height
-  AcDbObjectId owner_;
-  std::vector<Extents2d> taken_;
+  Painter& painter_;
+  int color_ = 0, pattern_ = -1;
 };
 
-struct Dispatch {
-  Painter& painter;
-  Labels& labels;
-  const Primitive& primitive;
-  void operator()(const DrawnPolyline& s) const { painter.polyline(s.points); }
-  void operator()(const DrawnCircle& s) const { painter.circle(s.centre.flat(), s.radius); }
-  void operator()(const DrawnArc& s) const {
-    if (const auto arc = arcThrough(s)) {
-      if (s.start.flat() == s.end.flat())
-        painter.circle(arc->centre, arc->radius);
-      else
-        painter.arc(*arc, s.start.flat(), s.end.flat());
-    } else {
-      const AcGePoint3d points[] = {s.start, s.point, s.end};
-      painter.polyline(points);
-    }
-  }
-  void operator()(const DrawnText& s) const { painter.text(labels.placed(primitive, s)); }
-};
+bool isLabel(const Primitive& p) {
+  return p.kind == ShapeKind::kText && p.marker >= 0;
+}
 
 }  // namespace
 
@@ -98,29 +113,66 @@ Page layoutPage(const Extents2d& drawn, const PageOptions& options) {
   const Extents2d box = shownPart(drawn, options);
   const double w = box.high.x - box.low.x, h = box.high.y - box.low.y;
   const double width = sane(options.width), height = sane(options.height);
+  const bool sized = width > 0 && height > 0;
   Page page;
+  page.scale = sane(options.scale);
   double margin = sane(options.margin);
-  if (width > 0 && height > 0) {
+  if (sized) {
     margin = std::min({margin, width / 4, height / 4});
-    page.scale = std::min((width - 2 * margin) / w, (height - 2 * margin) / h);
+    const double fits = std::min((width - 2 * margin) / w, (height - 2 * margin) / h);
+    page.cut = options.wholePage && page.scale > fits * (1 + kScaleRounding);
+    if (page.scale == 0) page.scale = fits;
   } else {
-    margin = std::min(margin, std::max(w, h) / 2);
+    if (page.scale == 0) page.scale = 1;
+    margin = std::min(margin, std::max(w, h) * page.scale / 2);
   }
-  page.shown = box.grown(margin / page.scale);
   page.width = w * page.scale + 2 * margin;
   page.height = h * page.scale + 2 * margin;
+  page.shown = box.grown(margin / page.scale);
+  if (sized && options.wholePage) {
+    page.width = width;
+    page.height = height;
+    const AcGeVector2d half{width / page.scale / 2, height / page.scale / 2};
+    const AcGePoint2d middle = midpoint(box.low, box.high);
+    page.shown = {middle - half, middle + half};
+  }
   return page;
 }
 
-void paint(const DisplayList& list, const Extents2d& shown, Painter& painter) {
-  Labels labels;
-  int color = 0, pattern = -1;
+Page layoutPage(const DisplayList& list, PageOptions options) {
+  if (options.window) options.window = seenWindow(options.view, list, *options.window);
+  return layoutPage(seenExtents(options.view, list), options);
+}
+
+void paint(const DisplayList& list, const Projection& view, const Extents2d& shown, Painter& painter) {
+  paintShapes(list, view, shown, 0, list.primitives.size(), painter);
+  paintLabels(list, view, shown, painter);
+}
+
+void paintShapes(const DisplayList& list, const Projection& view, const Extents2d& shown, std::size_t first,
+                 std::size_t last, Painter& painter) {
+  const bool plan = view.isPlan(), all = plan && shown.contains(list.extents);
+  Walk walk(view, painter);
+  Pens pens(painter);
+  for (std::size_t i = first; i < last; ++i) {
+    const Primitive& p = list.primitives[i];
+    if (isLabel(p)) continue;
+    const DrawnShape shape = list.shapeOf(p);
+    if (!all && !(plan ? extentsOf(shape) : seenExtents(view, shape)).overlaps(shown)) continue;
+    pens.take(p);
+    std::visit(walk, shape);
+  }
+}
+
+void paintLabels(const DisplayList& list, const Projection& view, const Extents2d& shown, Painter& painter) {
+  Pens pens(painter);
+  Labels places;
   for (const Primitive& p : list.primitives) {
-    if (!extentsOf(p).overlaps(shown)) continue;
-    if (p.color != color || p.pattern != pattern) painter.pen(p.color, p.pattern);
-    color = p.color;
-    pattern = p.pattern;
-    std::visit(Dispatch{painter, labels, p}, p.shape);
+    if (!isLabel(p)) continue;
+    const DrawnText text = seenText(view, std::get<DrawnText>(list.shapeOf(p)));
+    if (!extentsOf(DrawnShape{text}).overlaps(shown)) continue;
+    pens.take(p);
+    painter.text(places.placed(text));
   }
 }
 

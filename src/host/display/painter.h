@@ -1,48 +1,74 @@
 // How a list of primitives comes onto a page: the part of the drawing that is shown, its scale, and the walk
-// that hands the shapes to whoever puts them down. Knows plan view; file formats are the painters'.
+// that hands the shapes to whoever puts them down. Knows the view; file formats are the painters'.
 #pragma once
 
 #include <optional>
 #include <span>
 
 #include "host/display/displaylist.h"
+#include "host/display/projection.h"
 
 namespace tarnex {
 
 struct PageOptions {
+  Projection view;
   // The picture is as large as fits into this, mm on paper (A4 across less its margins); 0 by 0: true to
   // scale, 1:1.
   double width = 277, height = 190;
+  bool wholePage = false;           // the page is that large, with the picture in its middle
+  double scale = 0;                 // mm on paper per mm of drawing; 0: as large as fits
   double margin = 5;                // mm on paper, around the window
-  std::optional<Extents2d> window;  // of the drawing, mm; without it all that is drawn
+  std::optional<Extents2d> window;  // of the drawing in plan, mm; without it all that is drawn
 };
 
+// What is shown is measured in the picture: in the plan view those are the drawing's own coordinates.
 struct Page {
-  Extents2d shown;               // part of the drawing that the page holds, margins too
+  Extents2d shown;               // what the page holds, margins too
   double scale = 1;              // mm on paper per mm of drawing
   double width = 0, height = 0;  // mm on paper
+  bool cut = false;  // a page of a given size is too small at the given scale: the middle is shown
 };
 
-// A page keeps the window's shape: nothing is stretched, nothing is wasted. An empty list gives a page of 100
-// by 100 mm of drawing about the origin; sizes that aren't finite or below 0 count as 0, the margin takes at
-// most a quarter of the page on each side.
+// Without `wholePage` a page keeps the window's shape: nothing is stretched, nothing is wasted. An empty list
+// gives a page of 100 by 100 mm of drawing about the origin; sizes that aren't finite or below 0 count as 0,
+// the margin takes at most a quarter of the page on each side.
 [[nodiscard]] Page layoutPage(const Extents2d& drawn, const PageOptions& options);
+[[nodiscard]] Page layoutPage(const DisplayList& list, PageOptions options);  // as its view shows it
 
+// A circular arc by three of its points, start and end exact, with its circle. Angles cost more than the rest
+// and are worked out when asked for.
+struct PaintedArc {
+  AcGePoint2d start, through, end, centre;
+  double radius = 0;
+  // Cosine and sine of half the sweep, both times the same length.
+  [[nodiscard]] double cosHalf() const { return (through - start).dotProduct(end - through); }
+  [[nodiscard]] double sinHalf() const { return (through - start).crossProduct(end - through); }
+  [[nodiscard]] ArcCurve curve() const {
+    return {centre, radius, (start - centre).angle(), 2 * std::atan2(sinHalf(), cosHalf())};
+  }
+};
+
+// Points, centres and axes are those of the picture, y upward.
 class Painter {
  public:
   virtual ~Painter() = default;
   // Holds for the shapes that follow.
   virtual void pen(int color, int pattern) = 0;
-  virtual void polyline(std::span<const AcGePoint3d> points) = 0;
+  virtual void polyline(std::span<const AcGePoint2d> points) = 0;  // at least 1
   virtual void circle(AcGePoint2d centre, double radius) = 0;
-  // From start to end on the circle of `arc`; the end points are exact.
-  virtual void arc(const ArcCurve& arc, AcGePoint2d start, AcGePoint2d end) = 0;
+  virtual void arc(const PaintedArc& arc) = 0;
+  virtual void ellipse(const EllipseCurve& curve) = 0;  // an arc of it or the whole
   virtual void text(const DrawnText& text) = 0;
 };
 
-// In the order drawn; primitives that lie wholly outside of `shown` are left out. A label (a text with a
-// selection marker) that would cover an earlier label of its entity is moved by lines below or above it; the
-// list keeps its place.
-void paint(const DisplayList& list, const Extents2d& shown, Painter& painter);
+// In the order drawn, but for labels (texts with a selection marker): they come last, so that no line runs
+// through what is to be read. A label that would cover an earlier one moves to a place near by, see Labels;
+// the list keeps its place. Primitives that lie wholly outside of `shown` are left out.
+void paint(const DisplayList& list, const Projection& view, const Extents2d& shown, Painter& painter);
+// The same in parts, for painters that work side by side: what isn't a label of the primitives from `first`
+// up to `last`, and all labels.
+void paintShapes(const DisplayList& list, const Projection& view, const Extents2d& shown, std::size_t first,
+                 std::size_t last, Painter& painter);
+void paintLabels(const DisplayList& list, const Projection& view, const Extents2d& shown, Painter& painter);
 
 }  // namespace tarnex

@@ -13,36 +13,20 @@ constexpr double kIdeographWidth = 1.4;  // they fill a square of the font's siz
 constexpr char32_t kReplacement = 0xFFFD;
 constexpr char32_t kFirstIdeograph = 0x2E80;
 
-struct ShapeExtents {
-  Extents2d operator()(const DrawnPolyline& s) const {
-    Extents2d box;
-    for (const AcGePoint3d& p : s.points) box.add(p.flat());
-    return box;
+// The end of the circle's diameter in the direction (dx, dy) counts where it lies on the middle point's side
+// of the chord.
+Extents2d arcExtents(const DrawnArc& arc, AcGePoint2d centre, double radius) {
+  const AcGePoint2d s = arc.start.flat(), e = arc.end.flat();
+  const AcGeVector2d chord = e - s;
+  const bool left = chord.crossProduct(arc.point.flat() - s) > 0;
+  Extents2d box;
+  for (const AcGePoint2d p : {s, arc.point.flat(), e}) box.add(p);
+  for (const AcGeVector2d way : {AcGeVector2d{1, 0}, {0, 1}, {-1, 0}, {0, -1}}) {
+    const AcGePoint2d p = centre + way * radius;
+    if ((chord.crossProduct(p - s) > 0) == left) box.add(p);
   }
-  Extents2d operator()(const DrawnCircle& s) const {
-    Extents2d box;
-    box.add(s.centre.flat());
-    return box.grown(s.radius);
-  }
-  Extents2d operator()(const DrawnArc& s) const {
-    if (const auto arc = arcThrough(s)) {
-      const Extents2d box = extents(Curve{*arc});
-      if (!box.empty()) return box;
-    }
-    Extents2d box;
-    for (const AcGePoint3d& p : {s.start, s.point, s.end}) box.add(p.flat());
-    return box;
-  }
-  Extents2d operator()(const DrawnText& s) const {
-    Extents2d box;
-    const AcGeVector2d up = s.direction.perpVector() * s.height, along = s.direction * textWidth(s);
-    for (const AcGePoint2d p : {s.position.flat(), s.position.flat() + along}) {
-      box.add(p);
-      box.add(p + up);
-    }
-    return box;
-  }
-};
+  return box;
+}
 
 // How many bytes a sequence with this first byte has; 0 for what can't be one.
 std::size_t sequenceLength(unsigned char first) {
@@ -92,8 +76,53 @@ char32_t codeCharacter(std::string_view text, std::size_t& at, bool& known) {
 
 }  // namespace
 
-Extents2d extentsOf(const Primitive& p) {
-  return std::visit(ShapeExtents{}, p.shape);
+std::optional<CircleThrough> circleThrough(const DrawnArc& arc) {
+  const AcGePoint2d s = arc.start.flat();
+  const AcGeVector2d a = arc.point.flat() - s, b = arc.end.flat() - s;
+  const double twice = 2 * a.crossProduct(b);
+  const double aa = a.dotProduct(a), bb = b.dotProduct(b);
+  const AcGeVector2d toCentre{(b.y * aa - a.y * bb) / twice, (a.x * bb - b.x * aa) / twice};
+  const double radius = toCentre.length();
+  if (!std::isfinite(radius) || !(radius > 0) || radius > kFarthestDrawn) return {};
+  return CircleThrough{toCentre, radius};
+}
+
+Extents2d extentsOf(const DrawnPolyline& s) {
+  Extents2d box;
+  for (const AcGePoint3d& p : s.points) box.add(p.flat());
+  return box;
+}
+
+Extents2d extentsOf(const DrawnCircle& s) {
+  Extents2d box;
+  box.add(s.centre.flat());
+  return box.grown(s.radius);
+}
+
+Extents2d extentsOf(const DrawnArc& s) {
+  if (s.start.flat() == s.end.flat()) {
+    const AcGePoint2d centre = midpoint(s.start.flat(), s.point.flat());
+    return extentsOf(DrawnCircle{solid(centre), s.start.flat().distanceTo(s.point.flat()) / 2});
+  }
+  if (const auto circle = circleThrough(s))
+    return arcExtents(s, s.start.flat() + circle->toCentre, circle->radius);
+  Extents2d box;
+  for (const AcGePoint3d& p : {s.start, s.point, s.end}) box.add(p.flat());
+  return box;
+}
+
+Extents2d extentsOf(const DrawnText& s) {
+  Extents2d box;
+  const AcGeVector2d up = s.direction.perpVector() * s.height, along = s.direction * textWidth(s);
+  for (const AcGePoint2d p : {s.position.flat(), s.position.flat() + along}) {
+    box.add(p);
+    box.add(p + up);
+  }
+  return box;
+}
+
+Extents2d extentsOf(const DrawnShape& shape) {
+  return std::visit([](const auto& s) { return extentsOf(s); }, shape);
 }
 
 // The turn at the middle point, from its chord to the next, is half the sweep whatever point of the arc it
@@ -101,13 +130,10 @@ Extents2d extentsOf(const Primitive& p) {
 std::optional<ArcCurve> arcThrough(const DrawnArc& arc) {
   const AcGePoint2d s = arc.start.flat(), p = arc.point.flat(), e = arc.end.flat();
   if (s == e && s != p) return ArcCurve{midpoint(s, p), s.distanceTo(p) / 2, acutAngle(p, s), 2 * kPi};
-  const AcGeVector2d a = p - s, b = e - s, c = e - p;
-  const double twice = 2 * a.crossProduct(b);
-  const double aa = a.dotProduct(a), bb = b.dotProduct(b);
-  const AcGeVector2d toCentre{(b.y * aa - a.y * bb) / twice, (a.x * bb - b.x * aa) / twice};
-  const double radius = toCentre.length();
-  if (!std::isfinite(radius) || !(radius > 0) || radius > kFarthestDrawn) return {};
-  return ArcCurve{s + toCentre, radius, (-toCentre).angle(),
+  const auto circle = circleThrough(arc);
+  if (!circle) return {};
+  const AcGeVector2d a = p - s, c = e - p;
+  return ArcCurve{s + circle->toCentre, circle->radius, (-circle->toCentre).angle(),
                   2 * std::atan2(a.crossProduct(c), a.dotProduct(c))};
 }
 

@@ -10,6 +10,13 @@
 
 namespace tarnex {
 
+struct CircleThrough {
+  AcGeVector2d toCentre;  // from the arc's start
+  double radius = 0;
+};
+// The circle of an arc in plan whose start and end are apart; nothing when the three points lie on a line.
+[[nodiscard]] std::optional<CircleThrough> circleThrough(const DrawnArc& arc);
+
 // The arc in plan. Start and end at one place with `point` elsewhere: the full circle. Nothing when the three
 // points lie on a line (within rounding).
 [[nodiscard]] std::optional<ArcCurve> arcThrough(const DrawnArc& arc);

@@ -3,8 +3,14 @@
 #include "host/display/svg.h"
 
 #include <algorithm>
-#include <functional>
+#include <array>
+#include <atomic>
+#include <deque>
+#include <future>
+#include <thread>
+#include <utility>
 
+#include "host/display/dashes.h"
 #include "host/display/shape.h"
 #include "host/display/svgpath.h"
 #include "host/platform/format.h"
@@ -15,32 +21,12 @@ namespace {
 
 using Sink = std::function<void(std::string_view)>;
 
+constexpr std::size_t kPart = 1 << 14;  // primitives that one worker writes in one go
+constexpr unsigned kMostWorkers = 8;
+constexpr std::size_t kPiece = 1 << 18;       // bytes handed on at a time
 constexpr std::size_t kLongestPath = 30'000;  // letters; readers of XML set limits to an attribute
 constexpr double kCapitals = 0.72;            // height of capitals in sizes of the usual sans-serif fonts
-constexpr double kFinestPattern = 0.5;        // mm on paper; a finer one is but a grey line
-constexpr std::size_t kMostDashes = 64;
-constexpr double kPixelsPerMm = 96 / 25.4;  // the unit of style sheets
-
-// Runs of the same kind are one; a pattern that begins with a gap begins with its first dash instead. Empty:
-// continuous.
-std::vector<double> dashesAndGaps(const LinePattern& pattern, double scale) {
-  std::vector<double> lengths;  // dash, gap, dash, gap ...
-  if (pattern.dashes.size() > kMostDashes) return {};
-  const auto first =
-      std::find_if(pattern.dashes.begin(), pattern.dashes.end(), [](double d) { return d >= 0; });
-  std::vector<double> turned(first, pattern.dashes.end());
-  turned.insert(turned.end(), pattern.dashes.begin(), first);
-  for (const double d : turned) {
-    const bool gap = d < 0;
-    const double length = std::abs(d) * scale;
-    if (!(length <= kFarthestDrawn)) return {};
-    if (lengths.size() % 2 == (gap ? 1 : 0))
-      lengths.push_back(length);
-    else if (!lengths.empty())
-      lengths.back() += length;
-  }
-  return lengths.size() % 2 == 0 ? lengths : std::vector<double>{};
-}
+constexpr double kPixelsPerMm = 96 / 25.4;    // the unit of style sheets
 
 void appendEscaped(std::string& out, std::string_view utf8) {
   for (std::size_t at = 0; at < utf8.size();) {
@@ -83,26 +69,37 @@ class SvgPainter final : public Painter {
   void begin();
   void end() {
     flush();
-    sink_("</g>\n</svg>\n");
+    out_ += "</g>\n</svg>\n";
+    sink_(out_);
+  }
+  // What was painted, for a picture that is made in parts.
+  std::string takePart() {
+    flush();
+    return std::exchange(out_, {});
   }
 
   void pen(int color, int pattern) override {
     flush();
-    color_ = hexColor(shownColor(color, options_.ground));
-    dashes_ = dashAttribute(list_.patterns[static_cast<std::size_t>(pattern)]);
+    color_ = &colorOf(color);
+    dashes_ = &dashesOf(static_cast<std::size_t>(pattern));
   }
-  void polyline(std::span<const AcGePoint3d> points) override {
-    path_.moveTo(points.front().flat());
-    for (const AcGePoint3d& p : points.subspan(1)) path_.lineTo(p.flat());
+  void polyline(std::span<const AcGePoint2d> points) override {
+    path_.moveTo(points.front());
+    for (const AcGePoint2d& p : points.subspan(1)) path_.lineTo(p);
     endShape();
   }
   void circle(AcGePoint2d centre, double radius) override {
     path_.circle(centre, radius);
     endShape();
   }
-  void arc(const ArcCurve& arc, AcGePoint2d start, AcGePoint2d end) override {
-    path_.moveTo(start);
-    path_.arcTo(arc, end);
+  void arc(const PaintedArc& arc) override {
+    path_.moveTo(arc.start);
+    if (!path_.shortArcTo(arc.radius, {arc.cosHalf(), arc.sinHalf()}, arc.end))
+      path_.arcTo(arc.curve(), arc.end);
+    endShape();
+  }
+  void ellipse(const EllipseCurve& curve) override {
+    path_.ellipse(curve);
     endShape();
   }
   void text(const DrawnText& text) override;
@@ -114,13 +111,36 @@ class SvgPainter final : public Painter {
   }
   void flush() {
     if (path_.data().empty()) return;
-    sink_("<path stroke=\"" + color_ + '"' + dashes_ + " d=\"" + path_.data() + "\"/>\n");
+    out_ += "<path stroke=\"";
+    out_ += *color_;
+    out_ += '"';
+    out_ += *dashes_;
+    out_ += " d=\"";
+    out_ += path_.data();
+    out_ += "\"/>\n";
     path_.clear();
+    passOn();
   }
+  void passOn() {
+    if (out_.size() < kPiece || !sink_) return;
+    sink_(out_);
+    out_.clear();
+  }
+  void count(long long steps) { appendCount(out_, steps, grid_.decimals); }
   [[nodiscard]] std::string mm(double v) const {
     std::string text;
     appendCount(text, grid_.count(v), grid_.decimals);
     return text;
+  }
+  // Worked out when first asked for: a drawing changes its pen for every path.
+  const std::string& colorOf(int color) {
+    std::string& text = colors_[static_cast<std::size_t>(color) % colors_.size()];
+    if (text.empty()) text = hexColor(shownColor(color, options_.ground));
+    return text;
+  }
+  const std::string& dashesOf(std::size_t pattern) {
+    while (patterns_.size() <= pattern) patterns_.push_back(dashAttribute(list_.patterns[patterns_.size()]));
+    return patterns_[pattern];
   }
   [[nodiscard]] std::string dashAttribute(const LinePattern& pattern) const;
 
@@ -130,32 +150,34 @@ class SvgPainter final : public Painter {
   const Sink& sink_;
   Grid grid_;
   SvgPath path_;
-  std::string color_, dashes_;
+  std::string out_;
+  std::array<std::string, 256> colors_;
+  std::deque<std::string> patterns_;
+  const std::string *color_ = nullptr, *dashes_ = nullptr;
 };
 
 void SvgPainter::begin() {
   const double pen = std::isfinite(options_.lineWidth) ? std::clamp(options_.lineWidth, 0.01, 10.0) : 0.25;
   const std::string ground = hexColor(groundColor(options_.ground));
   const AcGeVector2d size = page_.shown.high - page_.shown.low;
-  sink_("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" +
-        formatted("%.3fmm\" height=\"%.3fmm\" viewBox=\"0 0 ", page_.width, page_.height) + mm(size.x) + ' ' +
-        mm(size.y) + "\" xml:space=\"preserve\">\n");
-  sink_(formatted("<desc>Units are mm of the drawing from its point (%.3f, %.3f); scale %.6g : 1</desc>\n",
-                  page_.shown.low.x, page_.shown.high.y, page_.scale));
-  sink_(
-      formatted("<style>@supports (vector-effect:non-scaling-stroke){path:not([stroke-dasharray])"
-                "{vector-effect:non-scaling-stroke;stroke-width:%.3gpx}}</style>\n",
-                pen * kPixelsPerMm));
-  sink_("<rect width=\"100%\" height=\"100%\" fill=\"" + ground + "\"/>\n<g fill=\"none\" stroke-width=\"" +
-        mm(pen / page_.scale) + "\" stroke-linecap=\"round\" stroke-linejoin=\"round\" stroke=\"" + ground +
-        "\" paint-order=\"stroke\" font-family=\"Arial,Helvetica,'DejaVu Sans',sans-serif\">\n");
+  out_ += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"";
+  out_ += formatted("%.3fmm\" height=\"%.3fmm\" viewBox=\"0 0 ", page_.width, page_.height) + mm(size.x) +
+          ' ' + mm(size.y) + "\" xml:space=\"preserve\">\n";
+  out_ += formatted("<desc>Units are mm of the %s from its point (%.3f, %.3f); scale %.6g : 1</desc>\n",
+                    options_.view.isPlan() ? "drawing" : "view", page_.shown.low.x, page_.shown.high.y,
+                    page_.scale);
+  out_ += formatted(
+      "<style>@supports (vector-effect:non-scaling-stroke){path:not([stroke-dasharray])"
+      "{vector-effect:non-scaling-stroke;stroke-width:%.3gpx}}</style>\n",
+      pen * kPixelsPerMm);
+  out_ += "<rect width=\"100%\" height=\"100%\" fill=\"" + ground + "\"/>\n<g fill=\"none\" stroke-width=\"" +
+          mm(pen / page_.scale) + "\" stroke-linecap=\"round\" stroke-linejoin=\"round\" stroke=\"" + ground +
+          "\" paint-order=\"stroke\" font-family=\"Arial,Helvetica,'DejaVu Sans',sans-serif\">\n";
 }
 
 std::string SvgPainter::dashAttribute(const LinePattern& pattern) const {
-  const auto lengths = dashesAndGaps(pattern, list_.patternScale);
-  double whole = 0;
-  for (const double length : lengths) whole += length;
-  if (whole * page_.scale < kFinestPattern) return {};
+  const auto lengths = dashesAndGaps(pattern, list_.patternScale, page_.scale);
+  if (lengths.empty()) return {};
   std::string text = " stroke-dasharray=\"";
   for (std::size_t i = 0; i < lengths.size(); ++i) text += (i ? " " : "") + mm(lengths[i]);
   return text + '"';
@@ -166,42 +188,90 @@ void SvgPainter::text(const DrawnText& text) {
   const double size = text.height / kCapitals;
   if (grid_.count(size) == 0) return;
   const GridPoint at = grid_.at(text.position.flat());
-  std::string x, y;
-  appendCount(x, at.x, grid_.decimals);
-  appendCount(y, at.y, grid_.decimals);
-  std::string element =
-      "<text fill=\"" + color_ + "\" font-size=\"" + mm(size) + "\" x=\"" + x + "\" y=\"" + y + '"';
+  const auto place = [&](const char* before, const char* between, const char* after) {
+    out_ += before;
+    count(at.x);
+    out_ += between;
+    count(at.y);
+    out_ += after;
+  };
+  out_ += "<text fill=\"";
+  out_ += *color_;
+  out_ += "\" font-size=\"";
+  count(grid_.count(size));
+  place("\" x=\"", "\" y=\"", "\"");
   const long long turn = std::llround(-std::atan2(text.direction.y, text.direction.x) * 180 / kPi * 1000);
   if (turn != 0) {
-    element += " transform=\"rotate(";
-    appendCount(element, turn, 3);
-    element += ' ' + x + ' ' + y + ")\"";
+    out_ += " transform=\"rotate(";
+    appendCount(out_, turn, 3);
+    place(" ", " ", ")\"");
   }
-  element += '>';
-  appendEscaped(element, text.utf8);
-  sink_(element + "</text>\n");
+  out_ += '>';
+  appendEscaped(out_, text.utf8);
+  out_ += "</text>\n";
+  passOn();
 }
 
-void write(const DisplayList& list, const SvgOptions& options, const Sink& sink) {
-  const Page page = layoutPage(list.extents, options);
-  SvgPainter painter(list, options, page, sink);
-  painter.begin();
-  paint(list, page.shown, painter);
-  painter.end();
+// Where the parts of a large picture begin, and its end: between entities, so that no line is broken up. They
+// hang on the list alone: however many workers there are, the text is the same.
+std::vector<std::size_t> partsOf(const DisplayList& list) {
+  const auto& all = list.primitives;
+  std::vector<std::size_t> begins{0};
+  for (std::size_t at = kPart; at < all.size(); at += kPart) {
+    while (at < all.size() && all[at].owner == all[at - 1].owner) ++at;
+    if (at < all.size()) begins.push_back(at);
+  }
+  begins.push_back(all.size());
+  return begins;
+}
+
+// Several workers write the parts, the caller hands them on in their order.
+void drawParts(const DisplayList& list, const SvgOptions& options, const Page& page, const Sink& sink) {
+  const auto begins = partsOf(list);
+  const std::size_t count = begins.size() - 1;
+  std::vector<std::promise<std::string>> parts(count);
+  std::atomic<std::size_t> next{0};
+  const auto work = [&] {
+    const Sink none;
+    for (std::size_t i; (i = next++) < count;) {
+      SvgPainter painter(list, options, page, none);
+      paintShapes(list, options.view, page.shown, begins[i], begins[i + 1], painter);
+      parts[i].set_value(painter.takePart());
+    }
+  };
+  std::vector<std::jthread> workers;
+  if (count > 1)
+    for (unsigned i = 0; i < std::clamp(std::thread::hardware_concurrency(), 1U, kMostWorkers); ++i)
+      workers.emplace_back(work);
+  else
+    work();
+  for (auto& part : parts) sink(part.get_future().get());
 }
 
 }  // namespace
 
+void drawSvg(const DisplayList& list, const SvgOptions& options, const Sink& sink) {
+  const Page page = layoutPage(list, options);
+  const Sink none;
+  SvgPainter head(list, options, page, none);
+  head.begin();
+  sink(head.takePart());
+  drawParts(list, options, page, sink);
+  SvgPainter labels(list, options, page, sink);
+  paintLabels(list, options.view, page.shown, labels);
+  labels.end();
+}
+
 std::string svgText(const DisplayList& list, const SvgOptions& options) {
   std::string text;
-  write(list, options, [&](std::string_view piece) { text += piece; });
+  drawSvg(list, options, [&](std::string_view piece) { text += piece; });
   return text;
 }
 
 std::optional<FileError> writeSvg(const std::string& path, const DisplayList& list,
                                   const SvgOptions& options) {
   AtomicFile file(path);
-  write(list, options, [&](std::string_view piece) { file.write(piece); });
+  drawSvg(list, options, [&](std::string_view piece) { file.write(piece); });
   return file.commit();
 }
 

@@ -33,16 +33,18 @@ class SvgPath {
   void lineTo(AcGePoint2d p);
   // From where the path stands to `end` on the arc's circle.
   void arcTo(const ArcCurve& arc, AcGePoint2d end);
+  // The same for an arc of up to a third of a turn, by the cosine and sine of half its sweep (both times any
+  // length). False, and nothing is written, when it is longer or so shallow that it takes more thought.
+  bool shortArcTo(double radius, AcGeVector2d half, AcGePoint2d end);
   void circle(AcGePoint2d centre, double radius);
+  void ellipse(const EllipseCurve& curve);  // an arc of it or the whole
   void finishShape();  // closes the line where it came back to its start; what drew nothing becomes a dot
   [[nodiscard]] const std::string& data() const { return data_; }
   void clear();
 
  private:
-  void command(char letter);
-  void number(long long count);
-  void flag(bool on) { data_ += on ? " 1" : " 0"; }
   void stepTo(GridPoint p);
+  void arcStep(double radius, bool clockwise, GridPoint to);
   void arcPiece(const ArcCurve& piece, AcGePoint2d from, AcGePoint2d to);
 
   Grid grid_;

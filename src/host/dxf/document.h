@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -66,6 +67,8 @@ struct DxfDocument : DrawingSource {
   TextCodec codec;
   int version = 0;    // 1009, 1015, ...; 0 when the file doesn't say
   double factor = 1;  // mm per drawing unit
+  // What $INSUNITS is to say when the drawing is written: the unit in which it was asked to be read.
+  std::optional<int> insUnits;
   bool hasHandles = false;
   std::uint64_t lastHandle = 0;  // largest that occurs
   std::vector<DxfSection> sections;

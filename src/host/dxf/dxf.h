@@ -17,8 +17,9 @@ namespace tarnex {
 // In memory a drawing is in millimetres. A file in another unit ($INSUNITS) is scaled when it is read and the
 // factor stays with the drawing (DxfReport::unitFactor): on writing, what was not changed goes out with the
 // bytes it had, and new or changed numbers are divided by the factor. A drawing thus never changes its unit
-// by being opened and saved. Header variables are kept as the file has them, unscaled; the user coordinate
-// system in the drawing is in mm.
+// by being opened and saved; one that was read in another unit than it says (`unitFactor`) says that unit
+// when it is written, if it is one. Header variables are kept as the file has them, unscaled; the user
+// coordinate system in the drawing is in mm.
 struct DxfReadOptions {
   const AcRxClassDictionary* classes =
       nullptr;                       // applications' classes, by which stored records become objects again

@@ -127,6 +127,8 @@ void DxfReader::applyUnits() {
     note(at, "$INSUNITS says " + report_.units + ", $MEASUREMENT says " +
                  (*metric == 0 ? "imperial" : "metric") + "; $INSUNITS is taken");
   const double factor = unit ? unit->millimetres : 1;
+  if (options_.unitFactor && factor != doc_.factor)
+    if (const auto asked = drawingUnitOf(doc_.factor)) doc_.insUnits = asked->code;
   if (options_.unitFactor || factor == doc_.factor) return;
   const bool late = std::any_of(doc_.sections.begin(), doc_.sections.end(), [](const DxfSection& s) {
     return s.name == "ENTITIES" || s.name == "BLOCKS";

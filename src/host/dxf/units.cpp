@@ -41,4 +41,10 @@ std::optional<DrawingUnit> drawingUnit(long long code) {
   return std::nullopt;
 }
 
+std::optional<DrawingUnit> drawingUnitOf(double millimetres) {
+  for (const DrawingUnit& u : kUnits)
+    if (u.code != 0 && u.millimetres == millimetres) return u;
+  return std::nullopt;
+}
+
 }  // namespace tarnex

@@ -14,5 +14,7 @@ struct DrawingUnit {
 };
 // Nothing for a code that isn't one; 0 is "unitless" and counts 1 mm.
 [[nodiscard]] std::optional<DrawingUnit> drawingUnit(long long code);
+// The unit of this length; nothing when there is none.
+[[nodiscard]] std::optional<DrawingUnit> drawingUnitOf(double millimetres);
 
 }  // namespace tarnex

@@ -67,6 +67,12 @@ void DxfWriter::planHeader() {
     if (value.code != 0 && name.size() > 1 && name.front() == '$' &&
         std::find(kOwnRules.begin(), kOwnRules.end(), name) == kOwnRules.end())
       planVariable(name, value);
+  if (doc_.insUnits) {
+    ResBuf unit;
+    unit.code = 70;
+    unit.value = static_cast<long long>(*doc_.insUnits);
+    planVariable("$INSUNITS", unit);
+  }
   planUcs();
   planCurrent();
   if (usesHandles() && newHandles_) planSeed();

@@ -72,6 +72,7 @@ void AcEditor::setDatabase(std::unique_ptr<AcDbDatabase> drawing) {
   state_->namedInsteadOfCorner.reset();
   state_->lastPoint = {};
   state_->nearby.forget();
+  acedRedraw();
   state_->view = {};
   zoomExtents();
   const bool modified = state_->drawing->modifiedSinceSave();
@@ -191,10 +192,12 @@ AcGePoint2d AcEditor::viewCentre() const {
 void AcEditor::setView(AcGePoint2d centre, double height) {
   state_->view.centre = centre;
   state_->view.height = std::max(height, kLeastViewHeight);
+  acedRedraw();
 }
 
 void AcEditor::setViewDirection(const AcGePoint3d& from) {
   state_->view.direction = from;
+  acedRedraw();
 }
 
 void AcEditor::zoomExtents() {

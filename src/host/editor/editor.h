@@ -13,8 +13,12 @@
 #include "host/database/database.h"
 #include "host/editor/form.h"
 #include "host/editor/input.h"
+#include "host/editor/screen.h"
 
 namespace tarnex {
+
+struct DisplayList;
+struct DisplayOptions;
 
 // How a prompt ended. The numbers are the host's.
 enum class Reply { RTNORM = 5100, RTNONE = 5000, RTCAN = -5002, RTKWORD = -5005, RTERROR = -5001 };
@@ -194,6 +198,25 @@ class AcEditor {
   void
   zoomExtents();  // a screen 4 wide and 3 high shows all that is drawn; the view of an empty drawing stays
 
+  // ---- screen
+  // What the drawing shows now; temporary vectors aren't in it. The options' context is the application's.
+  [[nodiscard]] DisplayList shown() const;
+  [[nodiscard]] DisplayList shown(const DisplayOptions& options) const;
+  // The application's context for what its entities draw (DisplayOptions::applicationContext), as it is now.
+  std::function<std::shared_ptr<const void>()> displayContext;
+  // A line over the drawing, from and to in the world. It stands until a redraw, a regen, another view or
+  // another drawing. RTERROR: a number isn't finite, nothing is drawn.
+  Reply acedGrDraw(const AcGePoint3d& from, const AcGePoint3d& to, int color, bool highlight);
+  void acedRedraw();  // wipes the temporary vectors
+  [[nodiscard]] const std::vector<TemporaryVector>& temporaryVectors() const;
+  // Waits as a command paces itself; a negative time is none. Ctrl-C ends the wait: CommandInterrupted.
+  void Sleep(int milliseconds);
+  void setPaced(bool paced);  // false: waits last no time
+  // Hides an entity on the screen or shows it again (AcDbEntity::setVisibility). False: it can't be opened
+  // for writing.
+  bool setVisibility(AcDbObjectId entity, bool visible);
+  std::vector<std::shared_ptr<ScreenWatcher>> screenWatchers;
+
   // ---- commands
   void addCommand(Command command);
   void removeGroup(std::string_view group);
@@ -234,6 +257,9 @@ class AcEditor {
   // `error` that isn't empty refuses the value (said to the user, the command fails, nothing is kept).
   std::vector<std::function<bool(const std::string& name, const std::string& value, std::string& error)>>
       setHooks;
+  // Asked by the command LIST for each entity: true when the application has put its own lines (without line
+  // ends) for it in place of AcDbEntity::list, which has no texts of the user's language in reach.
+  std::vector<std::function<bool(const AcDbEntity& entity, std::vector<std::string>& lines)>> listHooks;
 
  private:
   bool runFound(const Command& command);

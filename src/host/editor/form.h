@@ -46,6 +46,7 @@ class DialogFrame {
   [[nodiscard]] virtual int language() const { return 0; }
   // Why a confirmed form wasn't taken: the user reads it and acknowledges it.
   virtual void alert(const std::string& message) { (void)message; }
+  virtual void focus() {}  // takes the keyboard; a terminal has it already
 };
 
 }  // namespace tarnex

@@ -53,6 +53,7 @@ constexpr Row kRows[] = {
     {"VPOINT", "", vpointCommand, kModal, "sets from where the view looks"},
     {"REGEN", "RE", regenCommand, kModal, "shows the drawing anew, without highlights"},
     {"REDRAW", "R", redrawCommand, kTransparent, "shows the drawing anew"},
+    {"PLOT", "", plotCommand, kTransparent, "makes a picture of what is shown: SVG, PDF or PNG"},
 };
 
 }  // namespace

@@ -46,6 +46,8 @@ void zoomCommand(AcEditor& editor);
 void vpointCommand(AcEditor& editor);
 void regenCommand(AcEditor& editor);
 void redrawCommand(AcEditor& editor);
+// hostcommands_plot.cpp
+void plotCommand(AcEditor& editor);
 // hostcommands_ask.cpp
 void helpCommand(AcEditor& editor);
 void listCommand(AcEditor& editor);

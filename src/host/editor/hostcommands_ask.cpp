@@ -31,6 +31,14 @@ void listVariables(AcEditor& editor, std::string_view pattern) {
       editor.print(describe(editor, row) + "\n");
 }
 
+std::vector<std::string> linesOf(const AcEditor& editor, const AcDbEntity& entity) {
+  std::vector<std::string> lines;
+  for (const auto& hook : editor.listHooks)
+    if (hook(entity, lines)) return lines;
+  entity.list(lines);
+  return lines;
+}
+
 void fail(AcEditor& editor, const std::string& why) {
   editor.print(why + "\n");
   editor.commandFailed();
@@ -60,9 +68,7 @@ void listCommand(AcEditor& editor) {
   for (const auto id : set.value) {
     const auto* entity = db.peek<AcDbEntity>(id);
     if (!entity) continue;
-    std::vector<std::string> lines;
-    entity->list(lines);
-    for (const auto& line : lines) editor.print(line + "\n");
+    for (const auto& line : linesOf(editor, *entity)) editor.print(line + "\n");
   }
 }
 

@@ -101,8 +101,11 @@ void regenCommand(AcEditor& editor) {
     if (!entity || !entity->isHighlighted()) continue;
     if (auto opened = db.open<AcDbEntity>(id)) opened->unhighlight();
   }
+  editor.acedRedraw();
 }
 
-void redrawCommand(AcEditor&) {}  // nothing is drawn over the drawing in a terminal
+void redrawCommand(AcEditor& editor) {
+  editor.acedRedraw();
+}
 
 }  // namespace tarnex

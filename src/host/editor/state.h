@@ -93,6 +93,8 @@ struct EditorState {
   Nearby nearby;
   SelectionSet previous;
   View view;
+  std::vector<TemporaryVector> vectors;
+  bool paced = true;
   std::map<std::string, SysVar> variables;  // those kept here, by upper-case name
 
   // ---- commands

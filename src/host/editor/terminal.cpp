@@ -45,7 +45,8 @@ void StreamSink::meter(std::string_view title, long position, long total) {
   const int percent = total > 0 ? static_cast<int>(std::clamp(100.0 * position / total, 0.0, 100.0)) : 100;
   if (percent == shownPercent_) return;
   shownPercent_ = percent;
-  const std::string line = std::string(title) + " " + std::to_string(percent) + "%";
+  std::string line = std::string(title) + " " + std::to_string(percent) + "%";
+  line.resize(std::max(line.size(), meterWidth_), ' ');  // over what stands
   std::fwrite(("\r" + line).data(), 1, line.size() + 1, stdout);
   meterWidth_ = std::max(meterWidth_, line.size());
   std::fflush(stdout);

@@ -146,12 +146,18 @@ Extents2d extentsOf(const Element& e) {
   box.add(e.start);
   box.add(e.end);
   if (!e.arc) return box;
+  // A direction belongs to the arc when it lies as near to the middle as the ends do.
+  const bool aboutCentre = e.depth == 0 && e.chordAngle == kPi / 2;
+  const double ends = e.wholeCircle() ? -2 : aboutCentre ? std::cos(e.halfSweep) : e.depth / e.radius;
   for (const AcGeVector2d axis : {AcGeVector2d{1, 0}, {0, 1}, {-1, 0}, {0, -1}}) {
-    const double angle = std::atan2(axis.dotProduct(e.along), axis.dotProduct(e.outward));
-    if (std::abs(angle) > e.halfSweep) continue;
+    if (axis.dotProduct(e.outward) < ends) continue;
     // About its centre the extreme is exact; a chord frame goes the stable way.
-    box.add(e.depth == 0 && e.chordAngle == kPi / 2 ? e.origin + axis * e.radius
-                                                    : pointAt(e, 0.5 + angle / (2 * e.halfSweep)));
+    if (aboutCentre) {
+      box.add(e.origin + axis * e.radius);
+    } else {
+      const double angle = std::atan2(axis.dotProduct(e.along), axis.dotProduct(e.outward));
+      box.add(pointAt(e, 0.5 + angle / (2 * e.halfSweep)));
+    }
   }
   return box;
 }

@@ -16,9 +16,16 @@ inline const double kPi = std::acos(-1.0);
   return 8 * std::abs(extent) * std::numeric_limits<double>::epsilon();
 }
 
+// Length of (x, y). The plain root is as good as hypot and several times as quick where no square leaves the
+// range.
+[[nodiscard]] inline double planeLength(double x, double y) {
+  const double square = x * x + y * y;
+  return square > 1e-280 && square < 1e280 ? std::sqrt(square) : std::hypot(x, y);
+}
+
 struct AcGeVector2d {
   double x = 0, y = 0;
-  [[nodiscard]] double length() const { return std::hypot(x, y); }
+  [[nodiscard]] double length() const { return planeLength(x, y); }
   [[nodiscard]] double dotProduct(AcGeVector2d v) const { return x * v.x + y * v.y; }
   [[nodiscard]] double crossProduct(AcGeVector2d v) const { return x * v.y - y * v.x; }
   [[nodiscard]] AcGeVector2d perpVector() const { return {-y, x}; }  // turned left by 90 degrees
@@ -30,7 +37,7 @@ struct AcGeVector2d {
 
 struct AcGePoint2d {
   double x = 0, y = 0;
-  [[nodiscard]] double distanceTo(AcGePoint2d p) const { return std::hypot(p.x - x, p.y - y); }
+  [[nodiscard]] double distanceTo(AcGePoint2d p) const { return planeLength(p.x - x, p.y - y); }
   bool operator==(const AcGePoint2d&) const = default;
 };
 

@@ -14,6 +14,10 @@ namespace tarnex {
 // is skipped; UTF-16 behind one becomes UTF-8.
 class Profile {
  public:
+  struct Entry {
+    std::string section, key, value;
+  };
+
   static Profile parse(std::string_view bytes);
   static Profile load(const std::string& path);  // a file that can't be read gives an empty profile
 
@@ -25,6 +29,8 @@ class Profile {
   // The value cut to `limit` - 1 bytes, the fallback when the key is missing.
   [[nodiscard]] std::string stringOf(std::string_view section, std::string_view key,
                                      std::string_view fallback, std::size_t limit = 128) const;
+  // All of them in file order, for readers of large files: the look-ups here walk this list.
+  [[nodiscard]] const std::vector<Entry>& entries() const { return entries_; }
   // Keys of a section in file order.
   [[nodiscard]] std::vector<std::string> keysOf(std::string_view section) const;
   // Replaces the first of that name, else adds it at the end of the section. Line ends in a value become
@@ -33,9 +39,6 @@ class Profile {
   [[nodiscard]] std::string text() const;  // with line feeds; comments are not kept
 
  private:
-  struct Entry {
-    std::string section, key, value;
-  };
   std::vector<Entry> entries_;
 };
 

@@ -285,5 +285,24 @@ TEST_F(Objects, TheFeedForgetsItsOldestPartAndSaysSo) {
   EXPECT_EQ(ids, std::vector<AcDbObjectId>{id});
 }
 
+TEST_F(Objects, AnOpenedObjectGoesDownToReadAndUpAgain) {
+  auto opened = db.open<AcDbLine>(id, kForWrite);
+  EXPECT_EQ(opened.upgradeOpen(), eOk);  // it is there already
+  EXPECT_EQ(opened.downgradeOpen(), eOk);
+  EXPECT_EQ(opened.downgradeOpen(), eNotOpenForWrite);
+  EXPECT_FALSE(opened->isWriteEnabled());
+  {
+    const auto reader = db.open<AcDbLine>(id);
+    EXPECT_TRUE(reader);
+    EXPECT_EQ(opened.upgradeOpen(), eWasOpenForRead);
+    EXPECT_TRUE(opened);  // for read, as before
+  }
+  EXPECT_EQ(opened.upgradeOpen(), eOk);
+  opened->setStartPoint({5, 0, 0});
+  opened.close();
+  EXPECT_EQ(opened.downgradeOpen(), eNotOpenForWrite);
+  EXPECT_EQ(status(id, kForWrite), eOk);  // nothing is left open
+}
+
 }  // namespace
 }  // namespace tarnex

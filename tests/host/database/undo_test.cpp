@@ -342,5 +342,38 @@ TEST(UndoProperty, AnyWorkIsUndoneAndDoneAgainToTheLastBit) {
   }
 }
 
+// Marks of a moment: the step, the handles and the drawing are as if they had never been.
+TEST(Undo, WhatIsTakenBackLeavesNoTrace) {
+  AcDbDatabase db;
+  const auto old = addLine(db, 1);
+  db.markSaved();
+  const auto handle = db.nextHandle();
+  db.startUndoMark("SHOW");
+  auto first = addLine(db, 2), second = addLine(db, 3);
+  db.open<AcDbLine>(second, OpenMode::kForWrite)->setStartPoint({9, 0, 0});
+  db.open<AcDbLine>(first, OpenMode::kForWrite)->erase();
+  db.takeBack({second, first, old, {}});
+  EXPECT_EQ(db.nextHandle(), handle);
+  EXPECT_EQ(db.modelSpaceEntities(), std::vector<AcDbObjectId>{old});  // not of this step: left alone
+  db.endUndoMark();
+  EXPECT_FALSE(db.modifiedSinceSave());
+  EXPECT_FALSE(db.undo());
+  // Beside other work only the marks go.
+  db.startUndoMark("WORK");
+  const auto mark = addLine(db, 4), made = addLine(db, 5);
+  db.open<AcDbLine>(old, OpenMode::kForWrite)->setStartPoint({0.5, 0, 0});
+  db.takeBack({mark});
+  db.endUndoMark();
+  ASSERT_TRUE(db.undo());
+  EXPECT_EQ(db.modelSpaceEntities(), std::vector<AcDbObjectId>{old});
+  EXPECT_EQ(xOf(db, old), 1);
+  ASSERT_TRUE(db.redo());
+  EXPECT_EQ(db.modelSpaceEntities(), (std::vector<AcDbObjectId>{old, made}));
+  EXPECT_EQ(xOf(db, made), 5);
+  EXPECT_TRUE(db.entitiesTouching({{3.5, 0}, {4.5, 1}}).empty());
+  db.takeBack({made});  // without a step it is erased
+  EXPECT_EQ(db.peek<AcDbLine>(made), nullptr);
+}
+
 }  // namespace
 }  // namespace tarnex

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "host/display/shape.h"
 
 namespace tarnex {
@@ -152,8 +154,8 @@ TEST(DisplayList, NumbersThatCannotBeDrawnAreLeftOutAndCounted) {
   DisplayRecorder(list, nullptr).record(entity);
   EXPECT_EQ(list.dropped, 6u);
   ASSERT_EQ(list.primitives.size(), 2u);
-  EXPECT_EQ(std::get<DrawnCircle>(list.primitives[0].shape).radius, 2);
-  EXPECT_EQ(std::get<DrawnText>(list.primitives[1].shape).direction, (AcGeVector2d{1, 0}));
+  EXPECT_EQ(std::get<DrawnCircle>(list.shapeOf(list.primitives[0])).radius, 2);
+  EXPECT_EQ(std::get<DrawnText>(list.shapeOf(list.primitives[1])).direction, (AcGeVector2d{1, 0}));
   EXPECT_EQ(list.extents, (Extents2d{{0, 0}, {7, 7}}));
 }
 
@@ -212,6 +214,24 @@ TEST(Shape, ArcsThroughThreePoints) {
   ASSERT_TRUE(full);
   EXPECT_EQ(full->centre, (AcGePoint2d{2, 0}));
   EXPECT_NEAR(full->sweep, 2 * kPi, 1e-12);
+}
+
+// The box of an arc is found without its angles; the kernel's own box of the same arc is the judge.
+TEST(Shape, BoxesOfArcs) {
+  std::mt19937 random(5);
+  const auto number = [&](double low, double high) {
+    return std::uniform_real_distribution<>(low, high)(random);
+  };
+  for (int i = 0; i < 2000; ++i) {
+    const AcGePoint2d centre{number(-50, 50), number(-50, 50)};
+    const double radius = number(0.1, 40), from = number(-4, 4), sweep = number(-6.2, 6.2);
+    const auto at = [&](double part) { return solid(acutPolar(centre, from + part * sweep, radius)); };
+    const Extents2d box = extentsOf(DrawnArc{at(0), at(number(0.1, 0.9)), at(1)});
+    const Extents2d exact = extents(Curve{ArcCurve{centre, radius, from, sweep}});
+    ASSERT_LT(box.low.distanceTo(exact.low) + box.high.distanceTo(exact.high), 1e-6) << i;
+  }
+  // Start and end at one place: the whole circle.
+  EXPECT_EQ(extentsOf(DrawnArc{{0, 0, 0}, {4, 0, 0}, {0, 0, 0}}), (Extents2d{{0, -2}, {4, 2}}));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <random>
 
+#include "displaylists.h"
 #include "svgreader.h"
 
 namespace tarnex {
@@ -25,25 +26,12 @@ SvgOptions trueScale() {
   return options;
 }
 
-using Shape = decltype(Primitive::shape);
-
-DisplayList listOf(std::initializer_list<Shape> shapes) {
-  DisplayList list;
-  for (const Shape& shape : shapes) {
-    Primitive p;
-    p.shape = shape;
-    list.extents.add(extentsOf(p));
-    list.primitives.push_back(p);
-  }
-  return list;
-}
-
 std::string pathData(std::initializer_list<Shape> shapes) {
   return firstPathData(svgText(listOf(shapes), trueScale()));
 }
 
-DrawnPolyline line(std::vector<AcGePoint3d> points) {
-  return {std::move(points)};
+Points line(Points points) {
+  return points;
 }
 
 TEST(SvgPath, LinesAndCircles) {
@@ -109,6 +97,28 @@ TEST(SvgPath, ArcsReadBackRunThroughTheirPoint) {
   }
 }
 
+TEST(SvgPath, ProjectedArcsRunThroughTheirPoints) {
+  // A viewer's line passes where the arc's own points are seen, in any view and both ways round.
+  for (const AcGeVector3d& eye : {AcGeVector3d{-1, -1, 1}, {3, -2, 0.4}, {1, 2, -1}, {0, -1, 0}})
+    for (const double sweep : {0.3, -2.5, 4.7, -6.2, 2 * kPi}) {
+      const AcGePoint2d centre{20, -10};
+      const auto at = [&](double share) { return solid(acutPolar(centre, 1 + share * sweep, 30), 5); };
+      SvgOptions options = trueScale();
+      options.margin = 200;
+      options.view = *Projection::from(eye);
+      const DisplayList list = listOf({DrawnArc{at(0), at(0.5), sweep < 6.25 ? at(1) : at(0)}});
+      const Page page = layoutPage(list, options);
+      const auto line = readPath(firstPathData(svgText(list, options)));
+      ASSERT_FALSE(line.empty());
+      for (int i = 0; i <= 8; ++i) {
+        const AcGePoint2d p = options.view.at(at(i / 8.0));
+        const AcGePoint2d onPage{p.x - page.shown.low.x, page.shown.high.y - p.y};
+        EXPECT_LT(distanceToChain(line, onPage), 0.003) << sweep << ' ' << i;
+      }
+      EXPECT_EQ(line.size() < 100, eye.z == 0) << "an arc seen on edge is a line, another stays an arc";
+    }
+}
+
 TEST(Svg, TextsStandUprightAndEscaped) {
   DisplayList list = listOf({DrawnText{{10, 20, 0}, {1, 0}, 3.6, "<a & b> \x01\xff 内孔"}});
   // Capitals are 0.72 of the font's size: 3.6 / 0.72 = 5.
@@ -126,20 +136,41 @@ TEST(Svg, TextsStandUprightAndEscaped) {
               Not(HasSubstr("<text")));
 }
 
-TEST(Svg, LabelsOfOneEntityAreKeptApart) {
-  const DrawnText label{{10, 20, 0}, {1, 0}, 5, "AB"};
-  DisplayList list = listOf({label, label, label, label});
-  for (int i = 0; i < 3; ++i) {
-    list.primitives[i].marker = 500 + i;
-    list.primitives[i].owner = AcDbObjectId{9};
+// Where the texts of a picture stand: its coordinates as written, in the order of the file.
+std::vector<std::pair<std::string, std::string>> textPlaces(const std::string& svg) {
+  std::vector<std::pair<std::string, std::string>> places;
+  for (std::size_t at = 0; (at = svg.find("<text ", at)) != std::string::npos; ++at) {
+    const std::size_t x = svg.find(" x=\"", at) + 4, y = svg.find(" y=\"", at) + 4;
+    places.emplace_back(svg.substr(x, svg.find('"', x) - x), svg.substr(y, svg.find('"', y) - y));
   }
-  // In its place, a line of 1.4 * 5 below, one above; the drawing's own text without a marker stays where it
-  // is.
-  const std::string svg = svgText(list, trueScale());
-  std::vector<std::string> places;
-  for (std::size_t at = 0; (at = svg.find("x=\"10\" y=\"", at)) != std::string::npos; ++at)
-    places.push_back(svg.substr(at + 10, 2));
-  EXPECT_EQ(places, (std::vector<std::string>{"80", "87", "73", "80"}));
+  return places;
+}
+
+TEST(Svg, LabelsFindRoomBesideTheirPlace) {
+  const DrawnText label{{50, 20, 0}, {1, 0}, 5, "AB"};
+  DisplayList list = listOf({label, label, label, label, label, label});
+  for (std::size_t i = 0; i < 5; ++i) {
+    list.primitives[i].marker = 500;
+    list.primitives[i].owner = AcDbObjectId{static_cast<std::uint32_t>(i + 1)};  // also of different entities
+  }
+  // The drawing's own text, without a marker, comes first and stays. Then the labels: in their place, a line
+  // of 1.4 * 5 below, to the left of the point (two letters of 0.8 * 5 and 0.3 * 5 of air), left and below, a
+  // line above.
+  using Places = std::vector<std::pair<std::string, std::string>>;
+  EXPECT_EQ(textPlaces(svgText(list, trueScale())),
+            (Places{{"50", "80"}, {"50", "80"}, {"50", "87"}, {"40.5", "80"}, {"40.5", "87"}, {"50", "73"}}));
+}
+
+TEST(Svg, LabelsStayWhereTheyAreDrawnWhenNoRoomIsNear) {
+  const DrawnText label{{50, 20, 0}, {1, 0}, 5, "AB"};
+  DisplayList list =
+      listOf({label, label, label, label, label, label, label, label, label, label, label, label});
+  for (Primitive& p : list.primitives) p.marker = 500;
+  const auto places = textPlaces(svgText(list, trueScale()));
+  ASSERT_EQ(places.size(), 12u);
+  for (std::size_t i = 0; i < 10; ++i)
+    for (std::size_t j = 0; j < i; ++j) EXPECT_NE(places[i], places[j]);
+  for (const std::size_t i : {10, 11}) EXPECT_EQ(places[i], places[0]);
 }
 
 TEST(Svg, DashesAreThoseOfTheLineType) {

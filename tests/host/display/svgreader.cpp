@@ -69,24 +69,32 @@ struct Reader {
   }
 };
 
-// End points to centre, as the format's implementation notes give it; both radii are the same here.
+// End points to centre, as the format's implementation notes give it: in axes in which the ellipse is the
+// unit circle.
 void Reader::arc() {
-  double r = number();
-  number();
-  number();
+  double rx = number(), ry = number();
+  const double turned = number() * std::acos(-1.0) / 180;
   const bool large = number() != 0, sweep = number() != 0;
   const AcGePoint2d a = here(), b = offset();
-  const double x = (a.x - b.x) / 2, y = (a.y - b.y) / 2, half = std::hypot(x, y);
-  r = std::max(r, half);  // a radius that is too small grows
-  const double f = (large == sweep ? -1 : 1) * std::sqrt(std::max(0.0, r * r - half * half)) / half;
-  const AcGePoint2d centre{f * y + (a.x + b.x) / 2, -f * x + (a.y + b.y) / 2};
-  const double from = std::atan2(a.y - centre.y, a.x - centre.x);
-  double turn = std::atan2(b.y - centre.y, b.x - centre.x) - from;
+  const double c = std::cos(turned), s = std::sin(turned);
+  const auto inAxes = [&](AcGePoint2d p) {
+    return AcGePoint2d{(p.x * c + p.y * s) / rx, (p.y * c - p.x * s) / ry};
+  };
+  const double half = inAxes(a).distanceTo(inAxes(b)) / 2, grow = std::max(1.0, half);
+  rx *= grow;  // radii that are too small grow
+  ry *= grow;
+  const AcGePoint2d from = inAxes(a), to = inAxes(b);
+  const double x = (from.x - to.x) / 2, y = (from.y - to.y) / 2, square = x * x + y * y;
+  const double f = (large == sweep ? -1 : 1) * std::sqrt(std::max(0.0, 1 - square) / square);
+  const AcGePoint2d centre{f * y + (from.x + to.x) / 2, -f * x + (from.y + to.y) / 2};
+  const double begin = std::atan2(from.y - centre.y, from.x - centre.x);
+  double turn = std::atan2(to.y - centre.y, to.x - centre.x) - begin;
   if (sweep && turn < 0) turn += 2 * std::acos(-1.0);
   if (!sweep && turn > 0) turn -= 2 * std::acos(-1.0);
   for (int i = 1; i < kChords; ++i) {
-    const double t = from + turn * i / kChords;
-    chain.push_back({centre.x + r * std::cos(t), centre.y + r * std::sin(t)});
+    const double t = begin + turn * i / kChords;
+    const double u = rx * (centre.x + std::cos(t)), v = ry * (centre.y + std::sin(t));
+    chain.push_back({u * c - v * s, u * s + v * c});
   }
   chain.push_back(b);
 }

@@ -102,6 +102,18 @@ TEST(DxfWrite, UnitsOfTheFileStay) {
   EXPECT_EQ(got, expected);
 }
 
+// Read as millimetres whatever it says, a drawing says so from then on: opened again, it is as large as
+// before.
+TEST(DxfWrite, UnitsThatWereAskedForAreWritten) {
+  const std::string metres =
+      drawing("AC1015", "0 CIRCLE|5 A|8 0|10 1.5|20 0|30 0|40 0.5", "9 $INSUNITS|70 6");
+  const auto asked = read(metres, {nullptr, 1.0});
+  EXPECT_EQ(difference(dxfText(read(metres)->db), dxfText(asked->db)), (Lines{"-70 6", "+70 4"}));
+  EXPECT_EQ(nth<AcDbCircle>(read(dxfText(asked->db))->db).radius(), 0.5);
+  const auto scaled = read(metres, {nullptr, 0.7});  // no unit is that long
+  EXPECT_EQ(dxfText(scaled->db), dxfText(read(metres)->db));
+}
+
 // The numbers of a mirrored plane are turned back.
 TEST(DxfWrite, MirroredPlanesStayMirrored) {
   const std::string back = "|210 0.0|220 0.0|230 -1.0";

@@ -9,6 +9,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <thread>
 
 #include "host/platform/files.h"
 #include "host/platform/system.h"
@@ -159,6 +160,23 @@ TEST(Interrupts, AnInterruptUndoesTheCommandAndDropsTheScript) {
   s.run({"u"});  // the point's step, not the rolled back one
   EXPECT_TRUE(s.all().empty());
   EXPECT_FALSE(interruptPending());
+}
+
+TEST(Interrupts, AnInterruptEndsAWait) {
+  Session s;
+  catchInterrupts();
+  std::thread person([] {
+    sleepMilliseconds(60);
+    std::raise(SIGINT);
+  });
+  const double from = steadySeconds();
+  EXPECT_THROW(s.ed.Sleep(60'000), CommandInterrupted);
+  person.join();
+  EXPECT_LT(steadySeconds() - from, 10);
+  EXPECT_FALSE(interruptPending());
+  s.ed.setPaced(false);
+  std::raise(SIGINT);
+  EXPECT_THROW(s.ed.Sleep(0), CommandInterrupted) << "also where nobody waits";
 }
 
 }  // namespace
