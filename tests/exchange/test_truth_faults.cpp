@@ -3,56 +3,15 @@
 #include <gmock/gmock.h>
 
 #include <functional>
-#include <sstream>
 
 #include "maker3b.h"
+#include "rows3b.h"
 
 namespace tarnex::truth::test {
 namespace {
 
 using ::testing::Contains;
 using ::testing::Field;
-
-std::string lines(const Report& r) {
-  std::string all;
-  for (const std::string& l : describe(r)) all += l + "\n";
-  return all;
-}
-
-// A program as rows that can be changed; written back with its blocks numbered anew, so that numbers betray
-// nothing.
-struct Rows {
-  std::vector<std::string> rows;
-  explicit Rows(const std::string& text) {
-    std::istringstream in(text);
-    for (std::string l; std::getline(in, l);) rows.push_back(l);
-  }
-  [[nodiscard]] bool isBlock(std::size_t i) const {
-    return rows[i][0] == 'N' && rows[i][5] == ':' && rows[i][4] != ' ';
-  }
-  // A random block for which `fits` holds, that isn't a move between paths.
-  std::size_t pick(std::mt19937& rng, const std::function<bool(const std::string&)>& fits) const {
-    std::vector<std::size_t> found;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-      const bool between = i > 0 && rows[i - 1] == "N    : D" && rows[i + 1] == "N    : D";
-      if (isBlock(i) && !between && fits(rows[i])) found.push_back(i);
-    }
-    return found.empty() ? 0 : found[rng() % found.size()];
-  }
-  [[nodiscard]] std::string text() const {
-    std::string out;
-    int n = 0;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-      std::string row = rows[i];
-      if (isBlock(i)) {
-        std::string number = std::to_string(++n);
-        row.replace(1, 4, std::string(4 - number.size(), ' ') + number);
-      }
-      out += row + "\n";
-    }
-    return out;
-  }
-};
 
 bool any(const std::string&) {
   return true;

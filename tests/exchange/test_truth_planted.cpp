@@ -3,13 +3,13 @@
 #include <gmock/gmock.h>
 
 #include <functional>
-#include <sstream>
 
 #include "contour/geometrylibrary.h"
 #include "exchange/truth_paths.h"
 #include "frame/drawingvars.h"
 #include "maker3b.h"
 #include "output3b/programwriter.h"
+#include "rows3b.h"
 #include "support/modulefixture.h"
 #include "toolpath/toolpath.h"
 
@@ -18,62 +18,6 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::Field;
-
-std::string lines(const Report& r) {
-  std::string all;
-  for (const std::string& l : describe(r)) all += l + "\n";
-  return all;
-}
-
-// The rows of a program; written back with its blocks numbered anew.
-struct Rows {
-  std::vector<std::string> rows;
-  explicit Rows(const std::string& text) {
-    std::istringstream in(text);
-    for (std::string l; std::getline(in, l);) rows.push_back(l);
-  }
-  [[nodiscard]] bool isBlock(std::size_t i) const {
-    return rows[i].size() > 5 && rows[i][0] == 'N' && rows[i][5] == ':' && rows[i][4] != ' ';
-  }
-  [[nodiscard]] std::size_t find(const std::string& part, std::size_t from = 0) const {
-    for (std::size_t i = from; i < rows.size(); ++i)
-      if (isBlock(i) && rows[i].find(part) != std::string::npos) return i;
-    return 0;
-  }
-  // The first block of the first step out and back: the blocks of steps end without a ';'.
-  [[nodiscard]] std::size_t step() const {
-    for (std::size_t i = 0; i < rows.size(); ++i)
-      if (isBlock(i) && rows[i].find(" G") != std::string::npos && rows[i].back() == ' ') return i;
-    return 0;
-  }
-  // The pause within a path: blocks of more than a move stand on both sides.
-  [[nodiscard]] std::size_t pauseBeforeEnd() const {
-    for (std::size_t i = 2; i + 2 < rows.size(); ++i)
-      if (rows[i] == "N    : D" && isBlock(i - 2) && isBlock(i - 1) && isBlock(i + 1) && isBlock(i + 2))
-        return i;
-    return 0;
-  }
-  void erase(std::size_t at, std::ptrdiff_t n = 1) {
-    const auto from = rows.begin() + static_cast<std::ptrdiff_t>(at);
-    rows.erase(from, from + n);
-  }
-  void insert(std::size_t at, const std::string& row) {
-    rows.insert(rows.begin() + static_cast<std::ptrdiff_t>(at), row);
-  }
-  [[nodiscard]] std::string text() const {
-    std::string out;
-    int n = 0;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-      std::string row = rows[i];
-      if (isBlock(i)) {
-        const std::string number = std::to_string(++n);
-        row.replace(1, 4, std::string(4 - number.size(), ' ') + number);
-      }
-      out += (i > 0 ? "\n" : "") + row;
-    }
-    return out;
-  }
-};
 
 // Where " B  count G. DD" of a mark begins and how long it is.
 std::pair<std::size_t, std::size_t> markIn(const std::string& row) {
