@@ -5,7 +5,7 @@ set -euo pipefail
 
 # Needed to build and test; the rest makes builds quick, checks the style or adds line editing, plots to PDF and
 # PNG, benchmarks.
-needed=(cmake ninja-build g++ libgtest-dev libgmock-dev librapidcheck-dev libcli11-dev nlohmann-json3-dev
+needed=(cmake ninja-build g++ libgtest-dev libgmock-dev librapidcheck-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev
         libpolyclipping-dev python3 python3-ezdxf git)
 useful=(ccache lld clang-format clang-tidy libedit-dev libcairo2-dev pkg-config libbenchmark-dev libfmt-dev)
 

@@ -5,6 +5,7 @@
 #include <array>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace tarnex {
 
@@ -30,6 +31,26 @@ struct ProcessStyle {
   ProcessStyle();
   bool operator==(const ProcessStyle&) const = default;
 };
+
+// How many passes the writers cut: |nPassLast| + 1, held to 1 .. kMostPasses.
+[[nodiscard]] int passesOf(const ProcessStyle& style);
+// What the kind of a style, nCode % 100, asks for; every other kind asks for nothing.
+struct StyleKind {
+  static constexpr int kSwapInner = 2, kSwapOuter = 3, kFirstPassWord = 4;
+};
+[[nodiscard]] inline int kindOf(const ProcessStyle& style) {
+  return style.nCode % 100;
+}
+[[nodiscard]] inline int colourOf(const ProcessStyle& style) {
+  return style.nCode / 100;
+}
+// Whether two styles are one job style: name, taper, fit and number of passes agree.
+[[nodiscard]] bool sameStyle(const ProcessStyle& a, const ProcessStyle& b);
+// nPassLast becomes at most 9 either way, values that aren't finite 0. What was changed, a text each.
+std::vector<std::string> holdStyle(ProcessStyle& style);
+// What the drawing's keys or the writers couldn't live with, a sentence each: a name, code or condition
+// number that is empty, has a blank in it or is too long, more than ten passes.
+[[nodiscard]] std::vector<std::string> styleFaults(const ProcessStyle& style);
 
 // A style that many paths hold without each having a copy. Changing it changes no other holder's.
 class SharedStyle {

@@ -8,6 +8,7 @@
 #include "apps/tarnex/checkdrawing.h"
 #include "apps/tarnex/info.h"
 #include "apps/tarnex/plot.h"
+#include "apps/tarnex/postoptions.h"
 #include "apps/tarnex/prompt.h"
 #include "apps/tarnex/sim.h"
 #include "frame/folders.h"
@@ -234,6 +235,7 @@ int main(int argc, char** argv) {
   addLooking(app, a);
   addSim(app, a);
   addCatalog(app, a);
+  addMachining(app, a.exitCode);
   std::string drawing;
   app.add_option("drawing", drawing, "DXF file to open");
   app.add_flag("--no-wait", a.noWait, "Commands that pace themselves (SIM) don't wait");
