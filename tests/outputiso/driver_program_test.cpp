@@ -1,0 +1,322 @@
+// Programs as files: the head's lists, offset numbers, the moves between figures, and what is left alone when
+// something is cancelled or can't be. Knows programs as text.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "contour/hosthelpers.h"
+#include "outputiso/driver.h"
+#include "support/modulefixture.h"
+#include "toolpath/toolpath.h"
+
+namespace tarnex {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+class IsoProgram : public ModuleFixture {
+ protected:
+  IsoProgram() {
+    texts({{37, "not written"},
+           {295, "no paths"},
+           {1848, "NO FILE %s"},
+           {1849, "NO CELL %s %g"},
+           {20260, "four axes %d"},
+           {20261, "style %s lacks C%s"},
+           {20262, "no %s %g %g, nearest %s %g %g"},
+           {20263, "unread %s"},
+           {20264, "path %d strange %s"},
+           {20265, "path %d negative"},
+           {20266, "%s: %d lines, %d figures"}});
+    write("Brenlow.exe", "#!/bin/sh\nexit 0\n");
+    std::filesystem::permissions(folder + "/Brenlow.exe", std::filesystem::perms::owner_all);
+    write("MZS/Main.dat", "[Matrial]\n1=CU\n2=SKD11\n[Rad]\n1=0.2\n2=0.25\n[Thick]\n1=5\n2=20\n");
+    write("MZS/SODICK/cond.ini",
+          "[Main]\nVer=2\n[SKD11-0.2-5]\n1=WIRE\n2=C000=START\n3=C001=ONE\n4=C002=TWO\nCORNERCODE=CC 7\n"
+          "[CU-0.2-5]\n1=FIRST\n2=C000=S\n3=C001=CU\n");
+    drawing().dwgName = "Part.dxf";
+    module->settings.dIsoFixA = module->settings.dIsoFixB = 0;
+    post().nWordCount = 40;
+    post().paramOn[0] = 1;
+    post().headerText = "%$SPRK$G90$";
+    post().param[9] = "G00";
+    post().param[10] = "3";
+    post().param[11] = "nc";
+    post().param[12] = "1";
+    post().word[0] = "G90";
+    post().word[2] = "H";
+    post().word[3] = "C";
+    post().conditionFile[0] = "cond";
+    auto& style = job().styles[0];
+    style.sName = "S1";
+    style.nPassLast = 1;
+    style.dValueA = 0.01;
+    style.passes[0] = {"101", 0.15, "001", "-", 0};
+    style.passes[1] = {"102", 0.12, "002", "-", 0};
+    style.passes[2] = {"103", 0.11, "003", "-", 0};
+  }
+  ~IsoProgram() override { waitForStarted(*module); }
+
+  MachinePost& post() { return module->state<IsoPost>().post; }
+  JobLayout& job() { return module->state<JobLayout>(); }
+  const LastProgramIso& last() { return module->state<LastProgramIso>(); }
+
+  // A contour of 10 by 10 at (x,0), entered in the middle of its right side from 5 mm away.
+  AcDbObjectId square(double x, int number, int side, const ProcessStyle& style) {
+    auto path = std::make_unique<CToolPath>();
+    const PolylineCurve c{{{{x, 0}, 0}, {{x + 10, 0}, 0}, {{x + 10, 10}, 0}, {{x, 10}, 0}}, true};
+    EXPECT_TRUE(path->initContour({{x + 10 - 5 * side, 5}, {x + 10, 5}, side, 1, 0, 0}, c, 1));
+    path->setPathNo(number);
+    path->setProcessStyle(style);
+    if (side == kOuterShape) {  // a tab of 3 mm below the entry
+      PathBreak at;
+      at.nBreakSeg = static_cast<int>(path->numVerts()) - 2;
+      at.ptBreak = {x + 10, 2};
+      at.ptBreakExit = {x + 11, 2};
+      path->setBreakPoint(at);
+    }
+    return session.add(std::move(path));
+  }
+  AcDbObjectId hole(double x, int number) { return square(x, number, kInnerHole, job().styles[0]); }
+  const CToolPath& path(AcDbObjectId id) { return *drawing().peek<CToolPath>(id); }
+
+  std::string program() {
+    session.answers({"", "", folder + "/out.nc"});
+    return writeIsoProgram(*module) ? read("out.nc") : "(none)";
+  }
+  // The program's head up to the line behind the lists.
+  std::string head() {
+    const std::string text = program();
+    return text.substr(0, text.find("G90\n"));
+  }
+  // Every row prints its number ahead of the motion.
+  void trace() {
+    for (int r = 1; r <= 150; ++r)
+      post().blockRow[static_cast<std::size_t>(3 * r)] = "<" + std::to_string(r) + ">";
+  }
+  // Those lines of the program that carry one of these rows.
+  std::vector<std::string> linesOf(const std::vector<int>& rows) {
+    std::vector<std::string> lines;
+    std::istringstream in(program());
+    for (std::string line; std::getline(in, line);)
+      for (int r : rows)
+        if (line.starts_with("<" + std::to_string(r) + ">")) lines.push_back(line);
+    return lines;
+  }
+};
+
+TEST_F(IsoProgram, HeadOfTheFamilyWithCornerCodes) {
+  hole(0, 1);
+  // 0.15 and 0.12 less the fit of a hole, 0.01.
+  EXPECT_THAT(program(),
+              StartsWith("%\nWIRE\nC000=START\nC001=ONE\nC002=TWO\nH000=0.010\nH101=0.140\nH102=0.110\n"
+                         "G90\n( FIG-1  1ST ALL CIRCUMFERENCE)\nCC 7\n"));
+  EXPECT_THAT(last().warnings, IsEmpty());
+  post().param[4] = "1";
+  EXPECT_EQ(head(), "%\nWIRE\nC000=START\nC001=ONE\nC002=TWO\nH000=10\nH101=140\nH102=110\n");
+  post().headerText = "$$%$";  // no place for lists, and no comment of a first figure
+  EXPECT_THAT(program(), AllOf(StartsWith("%\n"), Not(HasSubstr("FIG-1")), Not(HasSubstr("H000"))));
+}
+
+TEST_F(IsoProgram, HeadsOfTheOtherFamilies) {
+  hole(0, 1);
+  square(30, 2, kOuterShape, job().styles[0]);  // the side is that of the first path with the style
+  post().nFamily = 1;
+  EXPECT_EQ(head(), "%\nFIRST\nC001=CU\nH101=0.140\nH102=0.110\n");
+  EXPECT_THAT(last().warnings, ElementsAre("style S1 lacks C002"));
+  post().nFamily = 3;
+  EXPECT_EQ(head(), "%\n(//NO CELL SKD11 5)\nH101=0.140\nH102=0.110\n");
+}
+
+TEST_F(IsoProgram, ConditionsThatAreNotThereAreToldInTheProgramAndAtItsEnd) {
+  hole(0, 1);
+  job().dThick = 6;
+  EXPECT_EQ(head(), "%\n(//NO CELL SKD11 6)\nH000=0.010\nH101=0.140\nH102=0.110\n");
+  EXPECT_THAT(last().warnings, ElementsAre("no SKD11 0.2 6, nearest SKD11 0.2 5"));
+  EXPECT_THAT(read("out.nc"), Not(HasSubstr("FIG-1")));
+  job().nDbf = 1;  // the post has no second file
+  EXPECT_THAT(head(), StartsWith("%\n(//NO FILE cond)\nH000=0.010\n"));
+  EXPECT_THAT(last().warnings, ElementsAre(StartsWith("unread ")));
+}
+
+TEST_F(IsoProgram, AConditionOfTwoPassesIsListedOnceAndOneWithoutALineIsTold) {
+  auto& s = job().styles[0];
+  s.nPassLast = 2;
+  s.passes[1].sSub1 = "001";
+  s.passes[2].sSub1 = "9";
+  job().nStyleCount = 2;
+  job().styles[1].sName = "UNUSED";
+  hole(0, 1);
+  ProcessStyle other = s;
+  other.dValueA = 0.02;  // not the job's style any more
+  square(30, 2, kInnerHole, other);
+  EXPECT_EQ(head(), "%\nWIRE\nC000=START\nC001=ONE\nH000=0.010\nH101=0.140\nH102=0.110\nH103=0.100\n");
+  EXPECT_THAT(last().warnings, ElementsAre("style S1 lacks C9", "path 2 strange S1"));
+}
+
+TEST_F(IsoProgram, NumbersThatTheProgramGivesOutStandInTableAndPaths) {
+  post().param[6] = post().param[7] = post().param[22] = "1";
+  post().blockRow[3 * 2] = "V2";
+  job().nStyleCount = 2;
+  job().styles[1] = job().styles[0];
+  job().styles[1].sName = "S2";
+  job().styles[1].nPassLast = 0;
+  const auto a = square(0, 1, kOuterShape, job().styles[1]), b = hole(30, 2), c = hole(60, 3);
+  // Style by style: two passes of S1 and its tab record (offset 0.11 and the fit of an outer shape), then S2.
+  EXPECT_EQ(head(),
+            "%\nWIRE\nC000=START\nC001=ONE\nC002=TWO\nH000=0.010\nH001=0.140\nH002=0.110\nH003=0.120\nH004=0."
+            "160\n");
+  for (auto id : {b, c}) {
+    const auto style = path(id).getProcessStyle();
+    EXPECT_EQ(style.passes[0].sCode + style.passes[1].sCode + style.passes[2].sCode, "001002003");
+  }
+  EXPECT_EQ(path(a).getProcessStyle().passes[0].sCode, "004");
+  EXPECT_EQ(job().styles[0].passes[0].sCode, "101");
+  EXPECT_THAT(read("out.nc"), AllOf(HasSubstr("H004G01"), HasSubstr("H001G01")));
+  const std::string first = read("out.nc");
+  EXPECT_EQ(program(), first) << "numbers given out once are given out again";
+}
+
+TEST_F(IsoProgram, PathsOnALockedLayerAreWrittenWithTheirNumbersAndStayAsTheyAre) {
+  post().param[6] = post().param[7] = "1";
+  post().blockRow[3 * 2] = "V2";
+  auto layer = std::make_unique<AcDbLayerTableRecord>();
+  layer->setName("SHUT");
+  layer->setIsLocked(true);
+  const auto shut = drawing().addLayer(std::move(layer));
+  const auto id = hole(0, 1);
+  drawing().open<CToolPath>(id, OpenMode::kForWrite)->setLayer(shut);
+  EXPECT_THAT(program(), HasSubstr("H001G01"));
+  EXPECT_EQ(path(id).getProcessStyle().passes[0].sCode, "101");
+}
+
+TEST_F(IsoProgram, ConnectionsFigureByFigure) {
+  trace();
+  hole(0, 1);
+  square(30, 2, kOuterShape, job().styles[0]);
+  hole(60, 3);
+  drawing().ucsorg = {1, 2, 0};
+  // From a hole row 21, from an outer shape row 29 of the outer rows, 40 on. Threads at (45,5) and (65,5).
+  EXPECT_THAT(linesOf({21, 69}), ElementsAre("<21>G00X44.Y3.", "<69>G00X64.Y3."));
+  post().param[13] = "1";
+  EXPECT_THAT(linesOf({21, 69}), ElementsAre("<21>G00X44.Y3.", "<69>G00X64.Y3.", "<21>G00X4.Y3."));
+  EXPECT_EQ(last().figures, 3);
+  EXPECT_EQ(last().passes, 2 + 3 + 2);  // the outer shape has its tab
+}
+
+TEST_F(IsoProgram, ConnectionsPassByPass) {
+  trace();
+  job().nCutType = CutType::kByPass;
+  post().param[13] = "1";
+  ProcessStyle one = job().styles[0];
+  one.nPassLast = 0;
+  square(0, 1, kInnerHole, one);    // no later pass: the wire doesn't come back
+  square(30, 2, kOuterShape, one);  // but for a tab
+  hole(60, 3);
+  // Rows 13 and 11 on 80 and 120; the way back row 23 on 80.
+  EXPECT_THAT(linesOf({93, 131, 103}),
+              ElementsAre("<93>G00X45.Y5.", "<131>G00X65.Y5.",  // first passes: 1, 2, 3
+                          "<93>G00X45.Y5.", "<131>G00X65.Y5.",  // then 2 and 3
+                          "<103>G00X5.Y5."));
+  EXPECT_EQ(last().figures, 3);
+}
+
+TEST_F(IsoProgram, MovesBetweenFiguresAreNotCut) {
+  hole(0, 1);
+  ASSERT_NE(program(), "(none)");
+  const double once = last().cutLength;
+  EXPECT_GT(once, 80);  // twice round
+  hole(1000, 2);
+  ASSERT_NE(program(), "(none)");
+  EXPECT_NEAR(last().cutLength, 2 * once, 1e-6);
+}
+
+TEST_F(IsoProgram, FourAxisPathsAreNamedAndLeftOut) {
+  hole(0, 1);
+  ASSERT_NE(program(), "(none)");
+  const std::string alone = read("out.nc");
+  drawing().open<CToolPath>(hole(30, 2), OpenMode::kForWrite)->setFlag(kFourAxis, true);
+  EXPECT_EQ(program(), alone);
+  EXPECT_THAT(session.out, HasSubstr("four axes 2"));
+}
+
+TEST_F(IsoProgram, HeightLinesOfTaperedJobs) {
+  hole(0, 1);
+  post().param[30] = post().param[33] = "1";
+  post().param[31] = "Z";
+  post().param[32] = "W";
+  job().dThickProg = 1.5;
+  job().dThickAux = 20;
+  EXPECT_THAT(program(), Not(HasSubstr("Z1.5")));
+  auto open = drawing().open<CToolPath>(session.ed.acdbEntLast(), OpenMode::kForWrite);
+  open->setSegmentTaperAt(1, 2);
+  open.close();
+  EXPECT_THAT(program(), HasSubstr("CC 7\nZ1.5\nW20.\n"));
+}
+
+TEST_F(IsoProgram, ACancelledChoiceLeavesAllAsItWas) {
+  const auto id = hole(0, 1);
+  post().param[7] = "1";
+  write("out.nc", "old");
+  const std::string standing = module->settings.sLastNcFile;
+  const std::string settings = read("WireCut.set");
+  bool chosen = false;
+  for (const auto& answers : std::vector<std::vector<std::string>>{{"^C"}, {"", "^C"}, {"", "", "^C"}}) {
+    session.answers(answers);
+    EXPECT_FALSE(writeIsoProgram(*module, [&] { chosen = true; }));
+  }
+  EXPECT_FALSE(chosen);
+  EXPECT_EQ(read("out.nc"), "old");
+  EXPECT_EQ(module->settings.sLastNcFile, standing);
+  EXPECT_EQ(read("WireCut.set"), settings);
+  EXPECT_EQ(path(id).getProcessStyle().passes[0].sCode, "101");
+}
+
+TEST_F(IsoProgram, AFileThatCantBeWrittenLeavesTheDrawing) {
+  const auto id = hole(0, 1);
+  post().param[7] = "1";
+  write("out.nc/old", "a folder of that name");
+  EXPECT_EQ(program(), "(none)");
+  EXPECT_THAT(session.out, HasSubstr("not written"));
+  EXPECT_EQ(read("out.nc/old"), "a folder of that name");
+  EXPECT_EQ(path(id).getProcessStyle().passes[0].sCode, "101");
+}
+
+TEST_F(IsoProgram, TheNameAndTheOriginThatAreOffered) {
+  hole(0, 1);
+  std::filesystem::create_directories(folder + "/nc");
+  module->settings.sLastNcFile = folder + "/nc/older.iso";
+  session.answers({"", "1,2", ""});
+  drawing().ucsorg = {1, 0, 7};
+  ASSERT_TRUE(writeIsoProgram(*module));
+  EXPECT_EQ(last().path, folder + "/nc/part.nc");
+  EXPECT_EQ(module->ptOrigin.x, 2);  // the point is added to the origin that was offered
+  EXPECT_EQ(module->ptOrigin.y, 2);
+  EXPECT_THAT(read("nc/part.nc"), HasSubstr("X3.Y3."));  // thread (5,5) less the origin
+}
+
+TEST_F(IsoProgram, TheNameCanBecomeATextOfTheDrawing) {
+  hole(0, 1);
+  module->settings.bOfferFileText = 1;
+  module->settings.dTextHeight = 4;
+  module->saveSettings();
+  session.answers({"", "", folder + "/out.nc", "3,4"});
+  ASSERT_TRUE(writeIsoProgram(*module));
+  const auto* text = drawing().peek<AcDbText>(session.ed.acdbEntLast());
+  ASSERT_TRUE(text);
+  EXPECT_EQ(text->textString(), "out.nc");
+  EXPECT_EQ(text->height(), 4);
+  EXPECT_EQ(text->position().x, 3);
+  EXPECT_EQ(text->position().y, 4);
+  session.answers({"", "", folder + "/out.nc", ""});
+  ASSERT_TRUE(writeIsoProgram(*module));
+  EXPECT_EQ(drawing().peek<AcDbText>(session.ed.acdbEntLast()), text) << "the second one is gone";
+}
+
+}  // namespace
+}  // namespace tarnex
