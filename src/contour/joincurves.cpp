@@ -234,6 +234,7 @@ std::optional<AcDbObjectId> joinCurves(AcEditor& editor, AcDbObjectId seed, Chai
   if (!chain.closed) chain.bulges.push_back(0);
   PolylineCurve joined;
   joined.closed = chain.closed;
+  joined.vertices.reserve(chain.vertices.size());
   for (std::size_t i = 0; i < chain.vertices.size(); ++i)
     joined.vertices.push_back({chain.vertices[i], chain.bulges[i]});
   return appendToModelSpace(drawing, std::make_unique<AcDbPolyline>(std::move(joined)), layer, color, "");

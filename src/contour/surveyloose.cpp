@@ -1,9 +1,11 @@
 // Branch points and doubled curves among loose curves, found by sorting keys: the cost is that of a sort.
 // It only looks.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <map>
+#include <numeric>
 
 #include "contour/geometrylibrary.h"
 #include "contour/survey.h"
@@ -26,6 +28,31 @@ struct Keyed {
   bool operator<(const Keyed& o) const { return a != o.a ? a < o.a : b != o.b ? b < o.b : index < o.index; }
   [[nodiscard]] bool sameCell(const Keyed& o) const { return a == o.a && b == o.b; }
 };
+
+// Stable, digit by digit: the cells of a drawing span few bits.
+void sortByPart(std::vector<Keyed>& keys, std::int64_t Keyed::*part) {
+  constexpr int kDigit = 11;  // bits; the counts of one digit stay in the nearest cache
+  if (keys.empty()) return;
+  const auto [low, high] = std::ranges::minmax(keys, {}, part);
+  const auto above = [&, base = static_cast<std::uint64_t>(low.*part)](const Keyed& k) {
+    return static_cast<std::uint64_t>(k.*part) - base;
+  };
+  std::vector<Keyed> sorted(keys.size());
+  for (int shift = 0; shift < 64 && above(high) >> shift != 0; shift += kDigit) {
+    const auto digit = [&](const Keyed& k) { return above(k) >> shift & ((1u << kDigit) - 1); };
+    std::array<std::size_t, 1u << kDigit> to{};
+    for (const Keyed& k : keys) ++to[digit(k)];
+    std::exclusive_scan(to.begin(), to.end(), to.begin(), std::size_t{0});
+    for (const Keyed& k : keys) sorted[to[digit(k)]++] = k;
+    keys.swap(sorted);
+  }
+}
+
+// By cell, within one by index. The keys come with ascending indices.
+void sortByCell(std::vector<Keyed>& keys) {
+  sortByPart(keys, &Keyed::b);
+  sortByPart(keys, &Keyed::a);
+}
 
 struct LooseCurve {
   AcDbObjectId id;
@@ -70,7 +97,7 @@ std::vector<Keyed> endKeys(const std::vector<LooseCurve>& curves) {
   keys.reserve(curves.size() * 2);
   for (std::uint32_t i = 0; i < curves.size(); ++i)
     for (AcGePoint2d p : {curves[i].start, curves[i].end}) keys.push_back({cellOf(p.x), cellOf(p.y), i});
-  std::sort(keys.begin(), keys.end());
+  sortByCell(keys);
   return keys;
 }
 
@@ -137,7 +164,7 @@ class EndCells {
       : ends_(ends), gap_(gap), width_(std::max(gap, 1e-6)) {
     for (std::uint32_t i = 0; i < ends.size(); ++i)
       keys_.push_back({cell(ends[i].at.x), cell(ends[i].at.y), i});
-    std::sort(keys_.begin(), keys_.end());
+    sortByCell(keys_);
   }
 
   template <class Each>
@@ -258,7 +285,7 @@ std::vector<DoubledCurve> doubledCurves(const std::vector<LooseCurve>& curves) {
     else
       others.push_back({cellOf(curves[i].middle.x), cellOf(curves[i].middle.y), i});
   }
-  std::sort(lines.begin(), lines.end());
+  sortByCell(lines);
   std::vector<std::uint32_t> group;
   for (std::size_t i = 0; i < lines.size();) {
     group.clear();
@@ -267,7 +294,7 @@ std::vector<DoubledCurve> doubledCurves(const std::vector<LooseCurve>& curves) {
     if (group.size() > 1) overlapsOnCarrier(curves, group, doubled);
     i = j;
   }
-  std::sort(others.begin(), others.end());
+  sortByCell(others);
   for (std::size_t i = 0; i + 1 < others.size(); ++i)
     if (others[i].sameCell(others[i + 1]) && sameCurve(curves[others[i].index], curves[others[i + 1].index]))
       doubled.push_back(

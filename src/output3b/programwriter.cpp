@@ -51,7 +51,7 @@ class ProgramWriter {
     program_.unnumbered(stop_);
     // The text goes as soon as its bytes stand: a program is as long as the drawing that it was made from.
     const std::string bytes =
-        fromUtf8(std::exchange(program_.text, {}), catalogLanguage(module_.language).writePage);
+        convertedFromUtf8(std::exchange(program_.text, {}), catalogLanguage(module_.language).writePage);
     waitForEditorsOf(module_, path);
     if (const auto failure = writeFileAtomically(path, bytes)) {
       module_.editor.messageBox(module_.message(37) + "\n" + failure->text(), MB_ICONSTOP);
@@ -134,7 +134,18 @@ class ProgramWriter {
     pause();
   }
 
+  // Room for the blocks of plain paths, so that a long text isn't moved while it grows.
+  void makeRoom() {
+    constexpr std::size_t kBlockBytes = 48;
+    std::size_t blocks = 0;
+    for (AcDbObjectId id : ids_)
+      if (const auto* path = drawing_.peek<CToolPath>(id))
+        blocks += static_cast<std::size_t>(path->numVerts()) + 2;
+    program_.text.reserve(program_.text.size() + blocks * kBlockBytes);
+  }
+
   void paths() {
+    makeRoom();
     const Contour3bContext context{module_.settings,
                                    origin_,
                                    pause_,

@@ -162,9 +162,9 @@ class Survey {
       warn(WireTrouble::kRadiusBelowOffset, i, 0, small.at, small.radius, offset);
     if (const auto sharp = sharpestCorner(contour, hole, offset); sharp.reach > 0)
       warn(WireTrouble::kSharpCorner, i, 0, sharp.at, sharp.reach, offset);
-    // As many spans as the contour: nothing of it was cut away.
-    if (!tool_.ownMethod && tool_.pieces == 1) return;
-    const OffsetFate f = fateUnderOffset(contour, hole, offset);
+    // The host's offset tells by itself what became of the contour.
+    const OffsetFate f = tool_.ownMethod ? fateUnderOffset(contour, hole, offset)
+                                         : OffsetFate{false, tool_.pieces, p.getPointAt(1)};
     if (f.vanished) warn(WireTrouble::kVanished, i, 0, f.at, 0, offset);
     if (f.pieces > 1) warn(WireTrouble::kFallsApart, i, 0, f.at, f.pieces, offset);
     if (tool_.ownMethod && !f.vanished) warn(WireTrouble::kOwnMethod, i, 0, p.getPointAt(1), 0, offset);
@@ -277,6 +277,14 @@ OffsetFate fateUnderOffset(const PolylineCurve& contour, bool hole, double offse
     fate.pieces = std::max<int>(static_cast<int>(curves->size()), 1);
   }
   return fate;
+}
+
+bool vanishesUnderOffset(const PolylineCurve& contour, bool hole, double offset) {
+  // What lies within d of a curve of length L covers 2 L d + π d² at most. Twice that, for a contour that
+  // goes round something twice.
+  const double d = std::abs(offset);
+  if (std::abs(signedArea(contour.vertices)) > 4 * d * (length(contour) + 2 * d)) return false;
+  return fateUnderOffset(contour, hole, offset).vanished;
 }
 
 std::vector<TightArc> tightArcs(const PolylineCurve& contour, bool hole, double offset) {

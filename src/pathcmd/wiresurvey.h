@@ -39,6 +39,8 @@ struct OffsetFate {
   AcGePoint2d at;  // a point of the contour
 };
 [[nodiscard]] OffsetFate fateUnderOffset(const PolylineCurve& contour, bool hole, double offset);
+// The first part of that alone; a contour that is large beside the offset is known without making any.
+[[nodiscard]] bool vanishesUnderOffset(const PolylineCurve& contour, bool hole, double offset);
 
 // Every arc that the wire runs inside of and that is smaller than the offset, at its start.
 struct TightArc {

@@ -57,6 +57,7 @@ class ContoursByChance : public InFolder {
   // A wire of this size goes round all of it from one threading point.
   bool canBeCut(const PolylineCurve& c, const CToolPath& path, bool hole, double offset) {
     const OffsetFate fate = fateUnderOffset(c, hole, offset);
+    EXPECT_EQ(vanishesUnderOffset(c, hole, offset), fate.vanished);
     if (fate.vanished || fate.pieces > 1) return false;
     // Nor is a passage that a wire a quarter thicker would not fit through: there pieces come and go.
     const OffsetFate thicker = fateUnderOffset(c, hole, offset * 1.25);

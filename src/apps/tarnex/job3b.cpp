@@ -138,7 +138,7 @@ class Job3b {
     if (std::max(c.box.high.x - c.box.low.x, c.box.high.y - c.box.low.y) > kLargestExtent)
       return "larger than the counts of a block";
     // A wire outside a contour always goes round it.
-    if (isHole(c) && fateUnderOffset(c.shape, true, offset).vanished)
+    if (isHole(c) && vanishesUnderOffset(c.shape, true, offset))
       return formatted("too small for a wire offset of %.3f mm", offset);
     return {};
   }
@@ -172,6 +172,7 @@ class Job3b {
     steps_.makePaths(outer, kOuterShape);
     tellUnmade(holes);
     tellUnmade(outer);
+    for (auto& c : result_.found.contours) c.shape = {};  // the paths have it now
     auto& state = session_.module().state<PathState>();
     rebuildPathList(session_.module());
     result_.holes = holes.size();

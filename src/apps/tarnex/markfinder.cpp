@@ -193,7 +193,7 @@ class MarkFinder {
             c.area > kNegligibleArea ? "larger than the counts of a program" : "encloses nothing");
         continue;
       }
-      if (hole && fateUnderOffset(c.shape, true, offset()).vanished) {
+      if (hole && vanishesUnderOffset(c.shape, true, offset())) {
         add(MarkKind::kVanishes, c.id, {startOf(c)}, 0, offset(),
             formatted("a hole too small for a wire offset of %.3f mm", offset()));
         continue;

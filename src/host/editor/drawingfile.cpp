@@ -7,11 +7,16 @@
 
 #include "host/editor/answers.h"
 #include "host/platform/files.h"
+#include "host/platform/memory.h"
 #include "host/platform/system.h"
 
 namespace tarnex {
 
 namespace {
+
+// Bytes of objects that come of a byte of a drawing file and of the work on it; measured on loose lines and
+// arcs.
+constexpr std::size_t kObjectsPerByte = 5;
 
 void nameAfter(AcDbDatabase& drawing, const std::string& path) {
   const std::string whole = absolutePath(path);
@@ -82,6 +87,7 @@ DrawingLoad loadDrawing(const std::string& path, const AcRxClassDictionary* clas
     }
     *bytes = std::move(converted.bytes);
   }
+  expectObjects(bytes->size() * kObjectsPerByte);
   auto drawing = std::make_unique<AcDbDatabase>();
   if (const auto failure = readDxf(*drawing, std::move(*bytes), {classes, unitFactor}, load.report)) {
     load.failure = failureText(path, *failure);

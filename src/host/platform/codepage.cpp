@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <utility>
 
 namespace tarnex {
 namespace {
@@ -133,6 +134,10 @@ std::string fromUtf8(std::string_view utf8, const std::string& page, bool* lossy
   }
   if (lossy) *lossy = lost;
   return out;
+}
+
+std::string convertedFromUtf8(std::string utf8, const std::string& page) {
+  return keepsAscii(page) && isAscii(utf8) ? std::move(utf8) : fromUtf8(utf8, page);
 }
 
 bool isUtf8(std::string_view bytes) {

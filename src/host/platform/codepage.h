@@ -12,6 +12,8 @@ namespace tarnex {
 [[nodiscard]] std::string toUtf8(std::string_view bytes, const std::string& page, bool* damaged = nullptr);
 // Characters that the page lacks become '?' and set `lossy`.
 [[nodiscard]] std::string fromUtf8(std::string_view utf8, const std::string& page, bool* lossy = nullptr);
+// The same of a long text that is given away: where its bytes stay as they are, it isn't copied.
+[[nodiscard]] std::string convertedFromUtf8(std::string utf8, const std::string& page);
 [[nodiscard]] bool isUtf8(std::string_view bytes);
 [[nodiscard]] bool isKnownCodePage(const std::string& page);
 

@@ -1,0 +1,49 @@
+// The heap's growth, as glibc and Linux let it be told.
+// Knows no data.
+#include "host/platform/memory.h"
+
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
+namespace tarnex {
+
+#if defined(__GLIBC__) && defined(MADV_HUGEPAGE)
+
+namespace {
+
+constexpr std::size_t kLargePage = std::size_t{2} << 20;
+constexpr std::size_t kWorthwhile = 4 * kLargePage;     // a drawing of less is done before it matters
+constexpr std::size_t kLargest = std::size_t{1} << 30;  // mallopt counts in int
+constexpr int kOwnMapping = 1 << 20;                    // blocks from here on don't come from the heap
+
+}  // namespace
+
+void expectObjects(std::size_t bytes) {
+  if (bytes < kWorthwhile) return;
+  bytes = std::min(bytes, kLargest);
+  // A block of that size at the heap's end, given back at once: the heap keeps it for what comes.
+  mallopt(M_TRIM_THRESHOLD, static_cast<int>(kLargest));
+  mallopt(M_MMAP_THRESHOLD, static_cast<int>(kLargest));
+  void* block = std::malloc(bytes - kLargePage);
+  mallopt(M_MMAP_THRESHOLD, kOwnMapping);
+  if (!block) return;
+  const auto from = (reinterpret_cast<std::uintptr_t>(block) + kLargePage - 1) / kLargePage * kLargePage;
+  const auto to = (reinterpret_cast<std::uintptr_t>(block) + bytes - kLargePage) / kLargePage * kLargePage;
+  if (from < to) (void)madvise(reinterpret_cast<void*>(from), to - from, MADV_HUGEPAGE);
+  std::free(block);
+}
+
+#else
+
+void expectObjects(std::size_t) {}
+
+#endif
+
+}  // namespace tarnex
