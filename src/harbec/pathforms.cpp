@@ -1,19 +1,14 @@
 // The forms of path making.
 // Knows which settings they ask for, and within what limits.
-#include <array>
-
 #include "harbec/harbec.h"
+#include "harbec/jobrows.h"
 #include "harbec/settingsform.h"
-#include "host/platform/format.h"
 
 namespace {
 
 using namespace tarnex;
 using enum FieldKind;
 
-constexpr ChoiceRow kSnapModes[] = {{0, 20112}, {1, 20113}};
-constexpr ChoiceRow kDirections[] = {{1, 20115}, {-1, 20116}};
-constexpr ChoiceRow kSides[] = {{1, 20118}, {-1, 20119}};
 constexpr ChoiceRow kOrders[] = {{0, 20130}, {1, 20131}};
 
 // mm, degrees. A lead-in has a length that a program can count. One arc can't go all the way round. A wire
@@ -34,6 +29,32 @@ constexpr FieldRow kPathRows[] = {
     {"nPathOrder", 20129, kChoice, 0, 1, kOrders},
 };
 
+constexpr ChoiceRow kLeadKinds[] = {{0, 20423}, {1, 20424}};
+
+// What a job's paths and their program are made with, mm and degrees; a radius or length of 0 leaves its part
+// out.
+constexpr FieldRow kJobRows[] = {
+    {"dLeadLen", 20110, kReal, 0.01, 1000},
+    {"nSnapMode", 20111, kChoice, 0, 1, kSnapModes},
+    {"nDirection", 20114, kChoice, -1, 1, kDirections},
+    {"nSide", 20117, kChoice, -1, 1, kSides},
+    {"bFixedLeadAngle", 20122, kYesNo},
+    {"dLeadAngle", 20123, kReal, -360, 360},
+    {"bThreadAtCentre", 20124, kYesNo},
+    {"nCircleArcs", 20125, kInteger, 2, 360},
+    {"dGapValue", 20407, kReal, 0.001, 1000},
+    {"dBridgeLen", 20415, kReal, 0, 1000},
+    {"dOvercutLen", 20416, kReal, 0, 100},
+    {"dOvercutExit", 20408, kReal, 0, 100},
+    {"dCutoffLen", 20417, kReal, 0, 100},
+    {"dIsoOvercut", 20418, kReal, 0, 100},
+    {"dIsoAngle", 20419, kReal, 0, 90},
+    {"dIsoFixB", 20420, kReal, 0, 10},
+    {"dIsoFixA", 20421, kReal, 0, 10},
+    {"nIsoOption792", 20422, kChoice, 0, 1, kLeadKinds},
+    {"nIsoOption796", 20425, kYesNo},
+};
+
 constexpr FieldRow kManualRows[] = {
     {"nDirection", 20114, kChoice, -1, 1, kDirections},
     {"nCircleArcs", 20125, kInteger, 2, 360},
@@ -44,11 +65,8 @@ constexpr FieldRow kManualRows[] = {
 }  // namespace
 
 int SetDlg(DialogFrame* frame, int mode) {
-  if (frame && mode != 0) {
-    frame->alert(formatChecked(textOr(*frame, 20010, "%s"), {std::string_view("SetDlg")}));
-    return 0;
-  }
-  return askAndSave(frame, {"SetDlg", 20100, kPathRows});
+  return mode == 0 ? askAndSave(frame, {"SetDlg", 20100, kPathRows})
+                   : askAndSave(frame, {"SetDlg", 20101, kJobRows});
 }
 
 int SetMDlg(DialogFrame* frame) {

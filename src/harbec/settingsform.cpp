@@ -83,6 +83,10 @@ int askAndSave(DialogFrame* frame, const FormTable& table) {
 }
 
 bool FormFrame::fits(const FormField& field) {
+  if (const std::string why = field.check ? field.check(field.value) : ""; !why.empty()) {
+    frame_.alert(label(field) + ": \"" + recordText(field.value) + "\" " + why);
+    return false;
+  }
   return field.kind == FieldKind::kChoice ? fitsChoices(field) : fitsRange(field);
 }
 

@@ -6,9 +6,12 @@
 #include "contour/approximation.h"
 #include "exchange/simulation.h"
 #include "output3b/programwriter.h"
+#include "outputiso/driver.h"
+#include "outputiso/programtools.h"
 #include "pathcmd/autofix.h"
 #include "pathcmd/edges.h"
 #include "pathcmd/editcommands.h"
+#include "pathcmd/jobs.h"
 #include "pathcmd/makepath.h"
 #include "pathcmd/showcommands.h"
 #include "pathcmd/smallcommands.h"
@@ -23,19 +26,19 @@ void doesNothing(Module&) {}  // a name that older menus still send
 constexpr int kModal = 0, kTransparent = 1, kPickSet = 3;
 
 constexpr CommandRow kRows[] = {
-    {"NC", "NC", kModal, nullptr},
-    {"TCF", "TCF", kModal, nullptr},
+    {"NC", "NC", kModal, &NC},
+    {"TCF", "TCF", kModal, &TCF},
     {"TK", "TK", kModal, nullptr},
     {"AC", "AC", kModal, &AC},
     {"AF", "AF", kModal, &AF},
     {"BP", "BP", kModal, &BP},
     {"BM", "BM", kModal, &BM},
-    {"BK", "BK", kModal, nullptr},
+    {"BK", "BK", kModal, &BK},
     {"BB", "BB", kModal, &BB},
-    {"GK", "GK", kModal, nullptr},
-    {"GG", "GG", kModal, nullptr},
-    {"GA", "GA", kModal, nullptr},
-    {"GT", "GT", kModal, nullptr},
+    {"GK", "GK", kModal, &GK},
+    {"GG", "GG", kModal, &GG},
+    {"GA", "GA", kModal, &GA},
+    {"GT", "GT", kModal, &GT},
     {"CD", "CD", kModal, &CD},
     {"CM", "CM", kModal, &CM},
     {"CS", "CS", kModal, &CS},
@@ -54,12 +57,12 @@ constexpr CommandRow kRows[] = {
     {"AI", "AI", kModal, nullptr},
     {"Vorn", "Vorn", kModal, &Vorn},
     {"SIM", "SIM", kModal, &SIM},
-    {"JX", "JX", kModal, nullptr},
+    {"JX", "JX", kModal, &JX},
     {"3BIN", "3BIN", kModal, nullptr},
     {"QD", "QD", kModal, &QD},
     {"ZD", "ZD", kModal, &ZD},
     {"QZ", "QZ", kModal, &QZ},
-    {"GY", "GY", kModal, nullptr},
+    {"GY", "GY", kModal, &GY},
     {"JG", "JG", kModal, nullptr},
     {"JGB", "JGB", kModal, nullptr},
     {"CL", "CL", kModal, nullptr},

@@ -105,6 +105,7 @@ class SequenceWriter {
     else
       writeOuterLater(job, byPass_ && bReturn_);
     done_.passes += passesOf(path.getProcessStyle()) - (previousInner_ ? 1 : 0);
+    if (s_.context.out.find(kNoStopText) != std::string::npos) done_.withoutStop.push_back(path.nPathNo());
     finished(k);
   }
 

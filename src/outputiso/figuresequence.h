@@ -29,6 +29,7 @@ struct FiguresWritten {
   int figures = 0;
   int passes = 0;                   // first, later and tab passes
   std::vector<int> fourAxis;        // numbers of paths that were left out
+  std::vector<int> withoutStop;     // numbers of paths whose tab has kNoStopText in the program
   std::vector<int> negativePasses;  // numbers of paths whose later passes were left out
 };
 

@@ -86,6 +86,11 @@ struct FigureRow {
 };
 
 inline constexpr const char* kFirstBlockWord = "G44";  // kFamilySignedUnits: first block of a pass
+// kFamilySignedUnits: a tab can't be left without a stop; such a program must not be used, and the supplier
+// is to be asked. The address is a reserved one, so that no program sends a user to a stranger.
+inline constexpr const char* kNoStopText =
+    "阿奇程序特殊情况，请不要使用此程序，联系开发商"
+    "www.tarnex.example\n";
 inline constexpr int kRowUpToMotion = kRowBefore | kRowInside;
 
 // The pieces that writers are made of. V, B, T: vertices, bulges and tapers of the output lists.

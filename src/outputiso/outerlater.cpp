@@ -11,12 +11,6 @@ namespace tarnex {
 
 namespace {
 
-// A tab can't be left without a stop in this family: the supplier is to be asked. The address is a reserved
-// one, so that no program sends a user to a stranger.
-constexpr const char* kNoStopText =
-    "阿奇程序特殊情况，请不要使用此程序，联系开发商"
-    "www.tarnex.example\n";
-
 class OuterLater : public OuterWriter {
  public:
   explicit OuterLater(const FigureJob& job) : OuterWriter(job) {}

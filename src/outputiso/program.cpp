@@ -25,7 +25,7 @@ namespace {
 
 // Catalogue numbers.
 constexpr int kNoPathText = 2, kNotWritten = 37, kMeterTitle = 189, kFourAxisLeftOut = 20260,
-              kStrangeStyle = 20264, kNegativePasses = 20265;
+              kStrangeStyle = 20264, kNegativePasses = 20265, kNoStop = 20267, kLossy = 20268;
 
 constexpr std::string_view kListWord = "SPRK";  // of a head: the lists stand in its place
 constexpr const char* kFirstFigureNote = "( FIG-1  1ST ALL CIRCUMFERENCE)\n";
@@ -54,17 +54,21 @@ class ProgramFile {
     return file_.commit();
   }
   [[nodiscard]] long lines() const { return run_.lines(); }
+  [[nodiscard]] bool lossy() const { return lossy_; }
 
  private:
   void flush() {
     const bool plain =
         std::ranges::all_of(finished_, [](char c) { return static_cast<signed char>(c) >= 0; });
-    file_.write(plain ? finished_ : fromUtf8(finished_, page_));
+    bool lossy = false;
+    file_.write(plain ? finished_ : fromUtf8(finished_, page_, &lossy));
+    lossy_ = lossy_ || lossy;
     finished_.clear();
   }
   AtomicFile file_;
   SecondRun run_;
   std::string page_, finished_;
+  bool lossy_ = false;
 };
 
 class ProgramWriter {
@@ -93,6 +97,7 @@ class ProgramWriter {
     file.take(text_);
     module_.editor.acedRestoreStatusBar();
     if (const auto failure = file.commit()) return refuse(*failure);
+    if (file.lossy()) warnings_.push_back(module_.message(kLossy));
     tell(path, file.lines(), written);
     return true;
   }
@@ -213,6 +218,7 @@ class ProgramWriter {
         warnings_.push_back(
             module_.message(kStrangeStyle, {static_cast<long long>(p->nPathNo()), std::string_view(style)}));
       }
+    numbered(kNoStop, written.withoutStop);
     numbered(kNegativePasses, written.negativePasses);
     numbered(kFourAxisLeftOut, written.fourAxis);
     module_.state<LastProgramIso>() = {

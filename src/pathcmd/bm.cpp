@@ -5,6 +5,7 @@
 #include "contour/hosthelpers.h"
 #include "contour/userinput.h"
 #include "frame/dialoglibrary.h"
+#include "pathcmd/jobparts.h"
 #include "pathcmd/makepath.h"
 
 namespace tarnex {
@@ -25,8 +26,9 @@ bool isContourKind(const AcDbEntity& e) {
 
 class ManualMaker {
  public:
-  explicit ManualMaker(Module& module)
+  explicit ManualMaker(Module& module, const ManualJob* job = nullptr)
       : module_(module),
+        job_(job),
         drawing_(module.drawing()),
         prompt_(module.message(48)),
         entryPrompt_(module.message(49)) {}
@@ -109,7 +111,7 @@ class ManualMaker {
     }
     if (!path) return Step::kAgain;
     add(std::move(path), id);
-    return Step::kMade;
+    return !job_ || settle() ? Step::kMade : Step::kEnd;
   }
 
   // A conversion was refused (a spline with a no): another contour can be picked.
@@ -162,7 +164,19 @@ class ManualMaker {
     addPath(module_, std::move(path), layer, color, nullptr);
   }
 
+  // False: an outer shape without its break, which is gone again.
+  bool settle() {
+    bool outer = false;
+    if (auto path = lastPath(module_)) {
+      settleJobPath(*path, job_->style);
+      path->setFlag(job_->flags, true);
+      outer = path->nSide() == kOuterShape;
+    }
+    return !outer || pickBreakOfLast(module_);
+  }
+
   Module& module_;
+  const ManualJob* job_;
   AcDbDatabase& drawing_;
   const std::string prompt_, entryPrompt_;
 };
@@ -181,6 +195,10 @@ bool confirmed(Module& module) {
 
 bool makeManualPaths(Module& module) {
   return confirmed(module) && ManualMaker(module).run();
+}
+
+bool makeManualPaths(Module& module, const ManualJob& job) {
+  return ManualMaker(module, &job).run();
 }
 
 void BM(Module& module) {

@@ -4,36 +4,18 @@
 #include "contour/hosthelpers.h"
 #include "contour/userinput.h"
 #include "frame/dialoglibrary.h"
+#include "pathcmd/batch.h"
 #include "pathcmd/makepath.h"
 
 namespace tarnex {
 
 namespace {
 
-// Index of the last path that stood before a batch, when the next number was `nextPathNo`.
-int lastBefore(int nextPathNo) {
-  return nextPathNo <= 1 ? 0 : nextPathNo - 2;
-}
-
 void orderFrom(Module& module, int first) {
   auto& state = module.state<PathState>();
   if (module.settings.nPathOrder == 0)
     sortNearest(module.drawing(), state, first, static_cast<int>(state.PathList.size()) - 1);
   if (module.settings.nPathOrder == 1) sortByLength(module.drawing(), state);
-}
-
-// Counts a batch in the status bar; also where an interrupt is looked for. The settings file is as after a
-// single path.
-template <class Each>
-void metered(Module& module, const SelectionSet& set, Each each) {
-  module.editor.acedSetStatusBarProgressMeter(module.message(45), 0, static_cast<long>(set.size()));
-  for (std::size_t i = 0; i < set.size(); ++i) {
-    module.editor.acedSetStatusBarProgressMeterPos(static_cast<long>(i));
-    each(set[i]);
-  }
-  module.editor.acedRestoreStatusBar();
-  module.saveSettings();
-  module.loadSettings();
 }
 
 void windowOfContours(Module& module, const AcGePoint3d& first) {

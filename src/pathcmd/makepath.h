@@ -34,6 +34,14 @@ void addPath(Module& module, std::unique_ptr<CToolPath> path, AcDbObjectId layer
 
 // The user gives T and Q, path after path, until Enter. True when the last one given made a path.
 bool makeManualPaths(Module& module);
+// The same for a job, with the settings that stand: the paths have offset and clearance 0, the style (null:
+// BASE) and the flags. An outer shape gets the break that the user picks; giving that up ends it, and the
+// path is gone again.
+struct ManualJob {
+  const ProcessStyle* style = nullptr;
+  int flags = 0;  // PathFlag
+};
+bool makeManualPaths(Module& module, const ManualJob& job);
 
 // Entry and threading points through a small circle inside the contour.
 struct EntryPoints {

@@ -1,6 +1,8 @@
 // The choice of paths for a program.
 // Knows prompts and the list; what is written from it is above.
 #include <algorithm>
+#include <set>
+#include <string>
 
 #include "contour/userinput.h"
 #include "machining/joblayout.h"
@@ -77,26 +79,40 @@ void sortByNumber(AcDbDatabase& drawing, Ids& ids) {
 
 // The last path stays last.
 void sortNearestNext(AcDbDatabase& drawing, Ids& ids) {
-  const auto start = [&](std::size_t i) { return drawing.peek<CToolPath>(ids[i])->getPointAt(0); };
-  for (std::size_t i = 0; i + 2 < ids.size(); ++i) {
-    const AcGePoint2d p = start(i);
+  struct Start {
+    AcGePoint2d at;
+    AcDbObjectId id;
+  };
+  std::vector<Start> order;
+  for (AcDbObjectId id : ids) order.push_back({drawing.peek<CToolPath>(id)->getPointAt(0), id});
+  for (std::size_t i = 0; i + 2 < order.size(); ++i) {
+    const AcGePoint2d p = order[i].at;
     double best = 99999.0;
-    for (std::size_t j = i + 1; j + 1 < ids.size(); ++j)
-      if (const double distance = p.distanceTo(start(j)); distance < best) {
+    for (std::size_t j = i + 1; j + 1 < order.size(); ++j)
+      if (const double distance = p.distanceTo(order[j].at); distance < best) {
         best = distance;
-        std::swap(ids[i], ids[j]);
+        std::swap(order[i], order[j]);
       }
   }
+  std::ranges::transform(order, ids.begin(), &Start::id);
 }
 
+// Paths of the job's styles in their order, the others behind them. Entries that aren't in use share a name;
+// it counts once.
 void sortByStyle(AcDbDatabase& drawing, const JobLayout& job, Ids& ids) {
+  std::vector<std::string> names;
+  for (AcDbObjectId id : ids) names.push_back(drawing.peek<CToolPath>(id)->getProcessStyle().sName);
+  std::set<std::string> seen;
   std::size_t next = 0;
-  for (const auto& style : job.styles)
-    for (std::size_t p = 0; p < ids.size() && next < ids.size(); ++p)
-      if (drawing.peek<CToolPath>(ids[p])->getProcessStyle().sName == style.sName) {
-        if (p != next) std::swap(ids[p], ids[next]);
+  for (const auto& style : job.styles) {
+    if (!seen.insert(style.sName).second) continue;
+    for (std::size_t p = next; p < ids.size(); ++p)
+      if (names[p] == style.sName) {
+        std::swap(ids[p], ids[next]);
+        std::swap(names[p], names[next]);
         ++next;
       }
+  }
 }
 
 }  // namespace

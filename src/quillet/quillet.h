@@ -1,4 +1,4 @@
-// The routine of the corner relief module, as it is found by name.
+// The routines of the module, as they are found by name: corner relief and roughing.
 // Knows polylines of a drawing; what a program makes of the result, the program's writers know.
 #pragma once
 
@@ -27,4 +27,24 @@ extern "C" {
 [[gnu::visibility("default")]] int lxcorner1(tarnex::AcDbDatabase* drawing, unsigned id,
                                              double straightRadius, double arcRadius, int nSide,
                                              std::vector<int>* flags);
+
+// Roughing: draws the guide on which the wire clears the inside of a circle or a closed polyline, as the
+// newest entity of model space, on the contour's layer and in its colour. It runs from the inside out, turn
+// by turn, and ends on the outermost turn, beside the contour; no turn is closed before what lies inside it
+// is cut, so that no core drops. It never leaves the contour.
+//
+// circleArcs: arcs that make up a turn in a circle, 2 to 1000. sharpest (degrees): a turn goes out to the one
+// around it and back at corners sharper than this; 180 at all, 0 at none. step (mm, above 0): the distance
+// between turns, half of it where a whole one would leave something standing; the outermost lies a step
+// inside the contour, whose first pass clears so much, or half of that through necks. No place inside is
+// farther than three quarters of a step from the guide, or from the outermost turn's strip along the contour.
+// direction: 1 counter-clockwise, -1 clockwise. allowance (mm): the outermost turn lies so much deeper; at
+// most half a step counts, since more would stand free as a ring. startHole (mm): radius of a hole that is
+// there already; turns within it are left out. alternate: not 0 lets every other turn run the other way.
+//
+// Nothing is drawn for anything else, a contour that crosses itself, one with no room for a turn or a neck
+// that no turn passes, or a guide of more than 32765 vertices.
+[[gnu::visibility("default")]] void lxquillet1(tarnex::AcDbDatabase* drawing, unsigned id, int circleArcs,
+                                               double sharpest, double step, int direction, double allowance,
+                                               double startHole, int alternate);
 }

@@ -2,6 +2,8 @@
 // Knows one path; what a program makes of the break is the writers' matter.
 #include "toolpath/breakpoint.h"
 
+#include <algorithm>
+
 #include "contour/geometrylibrary.h"
 #include "contour/hosthelpers.h"
 
@@ -120,22 +122,55 @@ void CToolPath::setBreakPoint(const PathBreak& at) {
   dBreakUpperBulgeB_ = at.dBreakUpperBulgeB;
 }
 
-std::optional<PathBreak> breakAt(const CToolPath& path, AcGePoint2d p, double dOvercutExit) {
-  const auto i = segmentAt(path.polyline(), p);
-  if (!i) return std::nullopt;
-  const Span s = segmentOf(path.polyline(), *i);
+namespace {
+
+std::optional<PathBreak> breakOn(const CToolPath& path, std::size_t segment, AcGePoint2d p,
+                                 double dOvercutExit) {
+  const Span s = segmentOf(path.polyline(), segment);
   const double leadIn = path.getPointAt(0).distanceTo(path.getPointAt(1));
   const double exit = dOvercutExit > 0 ? dOvercutExit : leadIn / 2;
   const AcGeVector2d way = wayOut(s, p, path.nDirection() * path.nSide());
   const Halves halves = halvesAt(s, p);
   PathBreak at = path.breakPoint();
-  at.nBreakSeg = static_cast<int>(*i);
+  at.nBreakSeg = static_cast<int>(segment);
   at.ptBreak = p;
   at.ptBreakExit = p + way * exit;
   at.dBreakBulgeA = halves.before;
   at.dBreakBulgeB = halves.behind;
   if (path.hasFlag(kFourAxis) && !addUpper(path, way, exit, at)) return std::nullopt;
   return at;
+}
+
+}  // namespace
+
+std::optional<PathBreak> breakAt(const CToolPath& path, AcGePoint2d p, double dOvercutExit) {
+  const auto i = segmentAt(path.polyline(), p);
+  return i ? breakOn(path, *i, p, dOvercutExit) : std::nullopt;
+}
+
+std::optional<PathBreak> breakFromEnd(const CToolPath& path, double length, double dOvercutExit) {
+  if (path.numVerts() < 3 || !(length >= 0)) return std::nullopt;
+  const auto last = static_cast<std::size_t>(path.numVerts() - 2);
+  const Span s = segmentOf(path.polyline(), last);
+  const double whole = s.start == s.end ? 0 : spanLength(s.start, s.end, s.bulge);
+  constexpr double kRoundoff = 1e-9;  // mm
+  if (whole == 0 || whole + kRoundoff < length) return std::nullopt;
+  const double part = std::min(length / whole, 1.0);
+  AcGePoint2d p = s.end + (s.start - s.end) * part;
+  if (s.bulge != 0) {
+    const AcGePoint2d centre = bulgeToCircle(s.start, s.end, s.bulge).centre;
+    const double back = -4 * std::atan(s.bulge) * part;
+    p = AcGeMatrix3d::rotation(back, centre).apply(s.end);
+  }
+  return breakOn(path, last, p, dOvercutExit);
+}
+
+bool placeBreakFromEnd(AcEditor& editor, Opened<CToolPath>& path, double length, const BreakPrompt& prompt) {
+  if (!path) return false;
+  const auto found = breakFromEnd(*path, length, prompt.dOvercutExit);
+  if (!found) return pickBreakPoint(editor, path, prompt);
+  path->setBreakPoint(*found);
+  return true;
 }
 
 bool pickBreakPoint(AcEditor& editor, Opened<CToolPath>& path, const BreakPrompt& prompt) {

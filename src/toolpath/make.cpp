@@ -67,6 +67,7 @@ bool CToolPath::initContour(const Making& m, const PolylineCurve& contour, int s
   contour_.bCircle = false;
   contour_.bClosed = true;
   contour_.aContour.clear();
+  contour_.aContour.reserve(n);
   for (const auto& x : v) contour_.aContour.push_back({x.point.x, x.point.y, x.bulge});
   const Split split = splitSpan(v[i].point, v[(i + 1) % n].point, v[i].bulge, m.entry);
   std::vector<BulgeVertex> path;
@@ -79,6 +80,7 @@ bool CToolPath::initContour(const Making& m, const PolylineCurve& contour, int s
   path.push_back({m.entry, 0});
   // Of two vertices that are one, the earlier goes.
   std::vector<BulgeVertex> kept;
+  kept.reserve(path.size());
   for (const auto& vertex : path) {
     if (!kept.empty() && kept.back().point.distanceTo(vertex.point) <= kSamePoint) kept.pop_back();
     kept.push_back(vertex);
@@ -86,6 +88,51 @@ bool CToolPath::initContour(const Making& m, const PolylineCurve& contour, int s
   aSegTaper_.assign(kept.size(), 0.0);
   setPolyline({std::move(kept), false});
   return true;
+}
+
+bool CToolPath::initOpen(const OpenMaking& m, const PolylineCurve& curve) {
+  constexpr std::size_t kMostVertices = 32767 - 1;  // counts are stored in 16 bits
+  if (curve.vertices.size() < 2 || curve.vertices.size() > kMostVertices) return false;
+  std::vector<BulgeVertex> kept{{m.thread, 0}};
+  for (const auto& vertex : curve.vertices) {
+    if (kept.back().point.distanceTo(vertex.point) <= kSamePoint)
+      kept.back().bulge = vertex.bulge;
+    else
+      kept.push_back(vertex);
+  }
+  if (kept.size() < 2) return false;
+  kept.back().bulge = 0;
+  assertWriteEnabled();
+  nSide_ = 1;
+  nDirection_ = m.nDirection;
+  dOffset_ = m.dOffset;
+  dClearance_ = 0;
+  nFlags_ = kOpenPath;
+  bHasStyle_ = m.job;
+  ptPrevEnd_ = m.thread;
+  contour_ = {};
+  contour_.bClosed = false;
+  for (const auto& v : curve.vertices) contour_.aContour.push_back({v.point.x, v.point.y, v.bulge});
+  aSegTaper_.assign(kept.size(), 0.0);
+  setPolyline({std::move(kept), false});
+  const AcGePoint2d entry = getPointAt(1);
+  if (m.job) leaveSideways(m.dOvercutExit > 0 ? m.dOvercutExit : m.thread.distanceTo(entry) / 2);
+  return true;
+}
+
+void CToolPath::leaveSideways(double exit) {
+  const int last = numVerts() - 1;
+  const AcGePoint2d a = getPointAt(last - 1), e = getPointAt(last);
+  const double bulge = getBulgeAt(last - 1);
+  dOvercutExit_ = exit;
+  ptBreak_ = e;
+  if (bulge == 0) {
+    ptBreakExit_ = acutPolar(e, acutAngle(a, e) + nDirection_ * kPi / 2, exit);
+    return;
+  }
+  const auto circle = bulgeToCircle(a, e, bulge);
+  const double out = bulge > 0 ? -nDirection_ * exit : nDirection_ * exit;
+  ptBreakExit_ = acutPolar(circle.centre, acutAngle(circle.centre, e), circle.radius + out);
 }
 
 }  // namespace tarnex

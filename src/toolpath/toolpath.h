@@ -221,6 +221,18 @@ class CToolPath : public CToolPathBase {
   [[nodiscard]] bool initCircle(const Making& making, AcGePoint2d centre, double radius, int arcs);
   // A contour entered on its span `spanIndex`, which is split at Q.
   [[nodiscard]] bool initContour(const Making& making, const PolylineCurve& contour, int spanIndex);
+  // An open curve from its first vertex to its last, T before it. Vertices within 0.001 mm of the one before
+  // are left out, also the first one when T lies there: the curve keeps its shape. A job leaves its last
+  // vertex sideways, to the side of nDirection.
+  struct OpenMaking {
+    AcGePoint2d thread;       // T
+    int nDirection = 1;       // 1 the wire is left of travel, -1 right
+    double dOffset = 0;       // mm
+    bool job = false;         // slow wire: with a style, and a break at the end
+    double dOvercutExit = 0;  // of a job, mm; 0 or less: half the lead-in
+  };
+  // False: fewer than two places are left, or more vertices than can be stored.
+  [[nodiscard]] bool initOpen(const OpenMaking& making, const PolylineCurve& curve);
 
   // ---- compensation
   //
@@ -254,6 +266,7 @@ class CToolPath : public CToolPathBase {
 
  private:
   void take(const Making& making);
+  void leaveSideways(double exit);  // the break of an open job, at its last vertex
   void moveBreakFor(int index, AcGePoint2d p);
   [[nodiscard]] bool isCorner(int i) const;  // an arc between two straight spans
   void reverseCodes(int n);                  // before the vertices

@@ -93,8 +93,6 @@ TEST_F(Forms, RefuseWhatIsOutOfRangeAndLeaveTheFile) {
 
 TEST_F(Forms, SayWhatCantBeDone) {
   dialogs(false);
-  EXPECT_EQ(call("SetDlg", 1), 0);
-  EXPECT_THAT(session.out, HasSubstr("SetDlg is not built yet; nothing has been changed."));
   write("taken", "");
   start(folder + "/taken", 1);
   EXPECT_EQ(call("DupDlg"), 0);
@@ -125,6 +123,40 @@ TEST_F(Forms, ProgramOptionsNameTheMachine) {
   start(folder, 2);
   EXPECT_EQ(call("PKZSDlg", &machine), 1) << session.out;
   EXPECT_EQ(machine, "Mine");
+}
+
+// The kind isn't a setting: it starts anew each time, and only the kinds that are built are choices.
+TEST_F(Forms, JobsGiveTheirKindAndKeepTheirSettings) {
+  dialogs(false);
+  int kind = 0;
+  session.ed.preset("dGapValue", "3.5");
+  session.ed.preset("nSide", "-1");
+  EXPECT_EQ(call("SetDlgDie", &kind), 1) << session.out;
+  EXPECT_EQ(kind, 1);
+  EXPECT_EQ(stored().dGapValue, 3.5);
+  EXPECT_EQ(stored().nSide, -1);
+  session.ed.preset("nDieKind", "3");
+  session.ed.preset("nPunchKind", "4");
+  EXPECT_EQ(call("SetDlgDie", &kind), 1) << session.out;
+  EXPECT_EQ(kind, 3);
+  EXPECT_EQ(call("SetDlgPunch", &kind), 1) << session.out;
+  EXPECT_EQ(kind, 4);
+  session.ed.preset("nDieKind", "2");  // upper and lower contour
+  kind = 77;
+  EXPECT_EQ(call("SetDlgDie", &kind), 0);
+  EXPECT_EQ(kind, 77);
+  session.ed.preset("nDieKind", "1");
+  for (const auto& [name, value] : {std::pair("dGapValue", "0"), std::pair("dRoughD", "0.009")}) {
+    session.ed.preset(name, value);
+    EXPECT_EQ(call("SetDlgDie", &kind), 0) << name;
+    session.ed.preset(name, "1");
+  }
+  dialogs(true);
+  session.answers({"^C"});
+  EXPECT_EQ(call("SetDlgPunch", &kind), 0);
+  session.answers({"dIsoFixB=0.25", "="});
+  EXPECT_EQ(call("SetDlg", 1), 1) << session.out;
+  EXPECT_EQ(stored().dIsoFixB, 0.25);
 }
 
 TEST_F(Forms, WhatPathsShow) {
@@ -178,6 +210,7 @@ TEST_F(Forms, FitTheSettingsThatTheyStandFor) {
   auto library = LoadedModule::load(realPath(dialogLibraryPath(folder)));
   ASSERT_TRUE(library);
   std::string machine;
+  int kind = 0;
   Recorder frame(folder);
   const auto entry = [&](const char* name, auto* type) {
     return reinterpret_cast<decltype(type)>(library->entry(name));
@@ -185,8 +218,12 @@ TEST_F(Forms, FitTheSettingsThatTheyStandFor) {
   using Plain = int(DialogFrame*);
   using WithMode = int(DialogFrame*, int);
   using WithName = int(DialogFrame*, std::string*);
+  using WithKind = int(DialogFrame*, int*);
   const std::vector<std::pair<std::size_t, std::function<int()>>> forms = {
       {13, [&] { return entry("SetDlg", static_cast<WithMode*>(nullptr))(&frame, 0); }},
+      {19, [&] { return entry("SetDlg", static_cast<WithMode*>(nullptr))(&frame, 1); }},
+      {18, [&] { return entry("SetDlgDie", static_cast<WithKind*>(nullptr))(&frame, &kind); }},
+      {14, [&] { return entry("SetDlgPunch", static_cast<WithKind*>(nullptr))(&frame, &kind); }},
       {4, [&] { return entry("SetMDlg", static_cast<Plain*>(nullptr))(&frame); }},
       {12, [&] { return entry("PKZSDlg", static_cast<WithName*>(nullptr))(&frame, &machine); }},
       {9, [&] { return entry("VornDlg", static_cast<Plain*>(nullptr))(&frame) == 0 ? 1 : 0; }},
@@ -197,7 +234,7 @@ TEST_F(Forms, FitTheSettingsThatTheyStandFor) {
     EXPECT_EQ(frame.seen.fields.size(), count);
     for (const auto& field : frame.seen.fields) {
       const auto value = stored().textOf(field.name);
-      EXPECT_TRUE(value || field.name == "machine") << field.name;
+      EXPECT_TRUE(value || field.name == "machine" || field.name.ends_with("Kind")) << field.name;
       EXPECT_THAT(field.caption, ::testing::StartsWith("text 20")) << field.name;
       EXPECT_EQ(field.kind == FieldKind::kChoice, !field.choices.empty()) << field.name;
     }

@@ -32,7 +32,9 @@ class IsoProgram : public ModuleFixture {
            {20263, "unread %s"},
            {20264, "path %d strange %s"},
            {20265, "path %d negative"},
-           {20266, "%s: %d lines, %d figures"}});
+           {20266, "%s: %d lines, %d figures"},
+           {20267, "path %d has no stop"},
+           {20268, "lossy"}});
     write("Brenlow.exe", "#!/bin/sh\nexit 0\n");
     std::filesystem::permissions(folder + "/Brenlow.exe", std::filesystem::perms::owner_all);
     write("MZS/Main.dat", "[Matrial]\n1=CU\n2=SKD11\n[Rad]\n1=0.2\n2=0.25\n[Thick]\n1=5\n2=20\n");
@@ -41,6 +43,7 @@ class IsoProgram : public ModuleFixture {
           "[CU-0.2-5]\n1=FIRST\n2=C000=S\n3=C001=CU\n");
     drawing().dwgName = "Part.dxf";
     module->settings.dIsoFixA = module->settings.dIsoFixB = 0;
+    module->saveSettings();
     post().nWordCount = 40;
     post().paramOn[0] = 1;
     post().headerText = "%$SPRK$G90$";
@@ -161,7 +164,7 @@ TEST_F(IsoProgram, AConditionOfTwoPassesIsListedOnceAndOneWithoutALineIsTold) {
 
 TEST_F(IsoProgram, NumbersThatTheProgramGivesOutStandInTableAndPaths) {
   post().param[6] = post().param[7] = post().param[22] = "1";
-  post().blockRow[3 * 2] = "V2";
+  post().blockRow[3 * 2] = post().blockRow[3 * 42] = "V2";
   job().nStyleCount = 2;
   job().styles[1] = job().styles[0];
   job().styles[1].sName = "S2";
@@ -245,6 +248,20 @@ TEST_F(IsoProgram, FourAxisPathsAreNamedAndLeftOut) {
   EXPECT_THAT(session.out, HasSubstr("four axes 2"));
 }
 
+TEST_F(IsoProgram, ATabWithoutAStopIsToldWhereTheFamilyNeedsOne) {
+  post().nFamily = 5;
+  hole(0, 1);
+  square(30, 2, kOuterShape, job().styles[0]);
+  module->settings.dCutoffLen = 0.5;
+  module->saveSettings();
+  ASSERT_NE(program(), "(none)");
+  EXPECT_THAT(last().warnings, IsEmpty());
+  module->settings.dCutoffLen = 0;
+  module->saveSettings();
+  ASSERT_NE(program(), "(none)");
+  EXPECT_THAT(last().warnings, ElementsAre("lossy", "path 2 has no stop"));  // an English program
+}
+
 TEST_F(IsoProgram, HeightLinesOfTaperedJobs) {
   hole(0, 1);
   post().param[30] = post().param[33] = "1";
@@ -288,7 +305,7 @@ TEST_F(IsoProgram, AFileThatCantBeWrittenLeavesTheDrawing) {
 }
 
 TEST_F(IsoProgram, TheNameAndTheOriginThatAreOffered) {
-  hole(0, 1);
+  hole(1000, 1);  // out of the snap's reach
   std::filesystem::create_directories(folder + "/nc");
   module->settings.sLastNcFile = folder + "/nc/older.iso";
   session.answers({"", "1,2", ""});
@@ -297,7 +314,7 @@ TEST_F(IsoProgram, TheNameAndTheOriginThatAreOffered) {
   EXPECT_EQ(last().path, folder + "/nc/part.nc");
   EXPECT_EQ(module->ptOrigin.x, 2);  // the point is added to the origin that was offered
   EXPECT_EQ(module->ptOrigin.y, 2);
-  EXPECT_THAT(read("nc/part.nc"), HasSubstr("X3.Y3."));  // thread (5,5) less the origin
+  EXPECT_THAT(read("nc/part.nc"), HasSubstr("X1003.Y3."));  // thread (1005,5) less the origin
 }
 
 TEST_F(IsoProgram, TheNameCanBecomeATextOfTheDrawing) {

@@ -197,6 +197,9 @@ TEST(InnerFigure, OvercutLengths) {
   EXPECT_EQ(end(squareHole(), 10).ptBreak, AcGePoint2d(20, 15));  // span 1 is 10 mm long
   EXPECT_EQ(end(squareHole(), 0).ptBreak, AcGePoint2d(20, 10));
   EXPECT_EQ(end(squareHole(), 0).ptBreakExit, AcGePoint2d(19, 10));
+  InnerFigure without = squareHole().passes(1);
+  without.settings.dOvercutLen = 0;
+  EXPECT_EQ(behind(without.laterOnly(), "G01X20.Y0.|"), "G01X20.Y10.|<18 G01X19.Y10.>|<19 G00X10.Y10.>|");
   InnerFigure marked = squareHole();
   marked.path->setFlag(kIsoMark64, true);
   EXPECT_EQ(end(marked, 2).dOvercutLen, 2);
@@ -221,6 +224,11 @@ TEST(InnerFigure, CirclePathAndArcContour) {
                                 "<11 G01X0.Y0.>|");
   // The exit leads 1 mm towards the centre.
   EXPECT_LT(circle.run.ptBreakExit.distanceTo(acutPolar({0, 0}, kPi / 6, 9)), 1e-9);
+  InnerFigure clockwise;
+  ASSERT_TRUE(clockwise.path->initCircle({{0, 0}, {10, 0}, kInnerHole, kClockwise, 0, 0}, {0, 0}, 10, 4));
+  clockwise.settings.dOvercutLen = kThirty;
+  clockwise.first();
+  EXPECT_LT(clockwise.run.ptBreakExit.distanceTo(acutPolar({0, 0}, -kPi / 6, 9)), 1e-9);
   // An arc is 15.708 mm long. A longer overcut is none on a circle, half an arc on any other contour.
   circle.settings.dOvercutLen = 16;
   EXPECT_EQ(behind(circle.first(), "<9 G03X10.Y0.I-8.66J5.>|"), "<11 G01X0.Y0.>|");

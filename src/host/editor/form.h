@@ -2,6 +2,7 @@
 // and a window.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <variant>
@@ -21,6 +22,9 @@ struct FormField {
   double low = -1e9,
          high = 1e9;  // range of numbers, both ends allowed; for texts the longest length in bytes
   std::vector<std::pair<FieldValue, std::string>> choices;  // kChoice: value and caption
+  // Why a value that the kind allows isn't taken, as the rest of a sentence about it ("must not hold a
+  // blank"); empty: it is taken.
+  std::function<std::string(const FieldValue&)> check = {};
 };
 
 struct Form {

@@ -55,15 +55,7 @@ std::optional<FieldValue> parseFieldNumber(const FormField& field, const std::st
   return value;
 }
 
-}  // namespace
-
-std::string fieldText(const FieldValue& value) {
-  if (const auto* n = std::get_if<long long>(&value)) return std::to_string(*n);
-  if (const auto* r = std::get_if<double>(&value)) return shortestNumber(*r);
-  return std::get<std::string>(value);
-}
-
-std::optional<FieldValue> parseField(const FormField& field, const std::string& given, std::string& why) {
+std::optional<FieldValue> parseKind(const FormField& field, const std::string& given, std::string& why) {
   const std::string text(trimmed(given));
   switch (field.kind) {
     case FieldKind::kInteger:
@@ -81,6 +73,21 @@ std::optional<FieldValue> parseField(const FormField& field, const std::string& 
     return std::nullopt;
   }
   return FieldValue(text);
+}
+
+}  // namespace
+
+std::string fieldText(const FieldValue& value) {
+  if (const auto* n = std::get_if<long long>(&value)) return std::to_string(*n);
+  if (const auto* r = std::get_if<double>(&value)) return shortestNumber(*r);
+  return std::get<std::string>(value);
+}
+
+std::optional<FieldValue> parseField(const FormField& field, const std::string& given, std::string& why) {
+  auto value = parseKind(field, given, why);
+  if (!value || !field.check) return value;
+  why = field.check(*value);
+  return why.empty() ? value : std::nullopt;
 }
 
 void TerminalFrame::fail(const std::string& why) {
