@@ -102,6 +102,23 @@ TEST_F(Rough, ClearsRandomContoursAndNeverLeavesThem) {
   EXPECT_GE(made, count * 9 / 10);  // the others have a neck that no turn passes
 }
 
+// Where many corners close at once, rounding leaves spans of no length; every turn is there all the same.
+TEST_F(Rough, ClearsEvenStars) {
+  for (int points : {5, 15, 24}) {
+    PolylineCurve star;
+    star.closed = true;
+    for (int i = 0; i < 2 * points; ++i)
+      star.vertices.push_back({acutPolar({3, 4}, kPi * i / points, i % 2 == 0 ? 10 : 6.5), 0});
+    Roughing r;
+    r.step = 0.4;
+    const PolylineCurve guide = guideIn(add(star), r);
+    ASSERT_FALSE(guide.vertices.empty()) << points;
+    const Verdict v = judge(star, guide, r.step, r.step);
+    EXPECT_EQ(v.outside, 0) << points;
+    EXPECT_EQ(v.left, 0) << points;
+  }
+}
+
 // 10 by 10, a step of 2: turns of 6 by 6 and 2 by 2, from the inner one's four corners a spur of 2√2 out and
 // back, and 2 from turn to turn.
 TEST_F(Rough, ASquareFromTheInsideOut) {
