@@ -25,7 +25,8 @@ namespace {
 
 // Catalogue numbers.
 constexpr int kNoPathText = 2, kNotWritten = 37, kMeterTitle = 189, kFourAxisLeftOut = 20260,
-              kStrangeStyle = 20264, kNegativePasses = 20265, kNoStop = 20267, kLossy = 20268;
+              kStrangeStyle = 20264, kNegativePasses = 20265, kNoStop = 20267, kLossy = 20268,
+              kTwoValues = 20269;
 
 constexpr std::string_view kListWord = "SPRK";  // of a head: the lists stand in its place
 constexpr const char* kFirstFigureNote = "( FIG-1  1ST ALL CIRCUMFERENCE)\n";
@@ -146,12 +147,27 @@ class ProgramWriter {
     if (head.find(kListWord) != std::string::npos) {
       list = conditionList({iso_.post, job_, styles_, module_.installFolder, message_});
       replaceEach(head, std::string(kListWord) + "\n", kListWord);
-      replaceEach(head, kListWord, list.text + offsetTable(iso_.post, styles_));
+      const std::string table = offsetTable(iso_.post, styles_);
+      tellDoubledNumbers(table);
+      replaceEach(head, kListWord, list.text + table);
       warnings_.insert(warnings_.end(), list.warnings.begin(), list.warnings.end());
     }
     head.erase(0, std::min(head.find_first_not_of('\n'), head.size()));
     text_ += head;
     if (list.hasCell) text_ += kFirstFigureNote + list.sCornerCode + "\n";
+  }
+
+  // A number with two values: the control would take the last for both.
+  void tellDoubledNumbers(std::string_view table) {
+    std::map<std::string, std::string, std::less<>> values;
+    for (std::size_t end = table.find('\n'); end != std::string_view::npos; end = table.find('\n')) {
+      const std::string_view line = table.substr(0, end);
+      const auto equals = line.find('=');
+      const auto [at, isNew] = values.emplace(line.substr(0, equals), line.substr(equals + 1));
+      if (!isNew && at->second != line.substr(equals + 1))
+        warnings_.push_back(module_.message(kTwoValues, {std::string_view(at->first)}));
+      table.remove_prefix(end + 1);
+    }
   }
 
   // As the table counts them: the paths' own style, style by style in the job's order.

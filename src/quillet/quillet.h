@@ -36,8 +36,8 @@ extern "C" {
 // circleArcs: arcs that make up a turn in a circle, 2 to 1000. sharpest (degrees): a turn goes out to the one
 // around it and back at corners sharper than this; 180 at all, 0 at none. step (mm, above 0): the distance
 // between turns, half of it where a whole one would leave something standing; the outermost lies a step
-// inside the contour, whose first pass clears so much, or half of that through necks. No place inside is
-// farther than three quarters of a step from the guide, or from the outermost turn's strip along the contour.
+// inside the contour, whose first pass clears so much, or half of that through necks. No place
+// deeper than the outermost turn is farther than 0.8 of a step from the guide.
 // direction: 1 counter-clockwise, -1 clockwise. allowance (mm): the outermost turn lies so much deeper; at
 // most half a step counts, since more would stand free as a ring. startHole (mm): radius of a hole that is
 // there already; turns within it are left out. alternate: not 0 lets every other turn run the other way.

@@ -29,11 +29,20 @@ PolylineCurve withoutNoSpans(const PolylineCurve& ring) {
   return kept;
 }
 
-// The rings `distance` inside a counter-clockwise one; none where nothing is left. Nothing: declined.
+// The offset, or one a little nearer where that is declined: at just the distance at which a ring falls apart
+// or vanishes its result can't be vouched for.
+std::optional<Rings> offsetAbout(std::span<const BulgeVertex> walk, double distance) {
+  for (double part : {1.0, 0.9993, 0.997, 0.99})
+    if (auto curves = offsetCurves(walk, distance * part)) return curves;
+  return std::nullopt;
+}
+
+// The rings about `distance` inside a counter-clockwise one, none farther; none where nothing is left.
+// Nothing: declined.
 std::optional<Rings> ringsInside(const PolylineCurve& ring, double distance) {
   std::vector<BulgeVertex> walk = ring.vertices;
   walk.push_back({walk.front().point, 0});
-  auto curves = offsetCurves(walk, distance);
+  const auto curves = offsetAbout(walk, distance);
   if (!curves) return std::nullopt;
   Rings rings;
   for (const PolylineCurve& curve : *curves) {
@@ -49,13 +58,13 @@ bool inRing(const PolylineCurve& inner, const PolylineCurve& outer) {
   return insideClosedWalk(outer.vertices, inner.vertices.front().point);
 }
 
-// Some place of the ring lies farther than `limit` from all of the curves: by its vertices and the middles of
-// its spans.
+// Some place of the ring lies farther than `limit` from all of the curves: looked at in eight places of
+// each span.
 bool anyFar(const PolylineCurve& ring, const std::vector<Curve>& curves, double limit) {
   const Curve walk = ring;
-  for (std::size_t half = 0; half < 2 * ring.vertices.size(); ++half) {
-    const AcGePoint2d p =
-        half % 2 == 0 ? ring.vertices[half / 2].point : pointAtParam(walk, static_cast<double>(half) / 2);
+  constexpr std::size_t kPlaces = 8;  // of a span
+  for (std::size_t i = 0; i < kPlaces * ring.vertices.size(); ++i) {
+    const AcGePoint2d p = pointAtParam(walk, static_cast<double>(i) / kPlaces);
     const auto near = [&](const Curve& c) { return closestPoint(c, p).distance <= limit; };
     if (std::none_of(curves.begin(), curves.end(), near)) return true;
   }
@@ -94,10 +103,12 @@ class TurnBuilder {
   bool fill(int i) {
     const PolylineCurve ring = turns_[static_cast<std::size_t>(i)].ring;
     if (vertices_ > kMostGuideVertices || turns_[static_cast<std::size_t>(i)].depth > kDeepest) return false;
-    if (filled_.contains(i)) return true;
+    if (filled_.contains(i))
+      return turns_[static_cast<std::size_t>(i)].inside.empty() ? addLast(i, ring) : true;
     auto whole = ringsInside(ring, step_);
     const auto half = ringsInside(ring, step_ / 2);
     if (!whole || !half) return false;
+    if (half->empty()) return addLast(i, ring);
     for (const PolylineCurve& between : *half) {
       std::vector<Curve> curves;
       std::vector<std::size_t> own;
@@ -110,6 +121,23 @@ class TurnBuilder {
       const int parent = needed ? add(between, i, false) : i;
       if (needed) filled_.insert(parent);
       for (std::size_t k : own) add((*whole)[k], parent, !needed);
+    }
+    return true;
+  }
+
+  // Offsets run past hollow corners, so the middle of a star may be far from its last ring where half a step
+  // leaves nothing: a quarter then.
+  bool addLast(int i, const PolylineCurve& ring) {
+    const auto last = ringsInside(ring, step_ / 4);
+    if (!last) return false;
+    for (const PolylineCurve& inner : *last) {
+      AcGeVector2d sum;
+      for (const BulgeVertex& v : inner.vertices) sum = sum + (v.point - ring.vertices[0].point);
+      const AcGePoint2d middle =
+          ring.vertices[0].point + sum * (1.0 / static_cast<double>(inner.vertices.size()));
+      if (closestPoint(turns_[static_cast<std::size_t>(i)].curve, middle).distance <= kFarPart * step_)
+        continue;
+      filled_.insert(add(inner, i, false));
     }
     return true;
   }

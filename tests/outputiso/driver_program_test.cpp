@@ -34,7 +34,8 @@ class IsoProgram : public ModuleFixture {
            {20265, "path %d negative"},
            {20266, "%s: %d lines, %d figures"},
            {20267, "path %d has no stop"},
-           {20268, "lossy"}});
+           {20268, "lossy"},
+           {20269, "twice %s"}});
     write("Brenlow.exe", "#!/bin/sh\nexit 0\n");
     std::filesystem::permissions(folder + "/Brenlow.exe", std::filesystem::perms::owner_all);
     write("MZS/Main.dat", "[Matrial]\n1=CU\n2=SKD11\n[Rad]\n1=0.2\n2=0.25\n[Thick]\n1=5\n2=20\n");
@@ -160,6 +161,16 @@ TEST_F(IsoProgram, AConditionOfTwoPassesIsListedOnceAndOneWithoutALineIsTold) {
   square(30, 2, kInnerHole, other);
   EXPECT_EQ(head(), "%\nWIRE\nC000=START\nC001=ONE\nH000=0.010\nH101=0.140\nH102=0.110\nH103=0.100\n");
   EXPECT_THAT(last().warnings, ElementsAre("style S1 lacks C9", "path 2 strange S1"));
+}
+
+TEST_F(IsoProgram, AnOffsetNumberOfTwoValuesIsTold) {
+  job().styles[0].passes[1].sCode = "101";
+  hole(0, 1);
+  ASSERT_NE(program(), "(none)");
+  EXPECT_THAT(last().warnings, ElementsAre("twice H101"));
+  job().styles[0].passes[1].dValue1 = 0.15;  // one value twice
+  ASSERT_NE(program(), "(none)");
+  EXPECT_THAT(last().warnings, IsEmpty());
 }
 
 TEST_F(IsoProgram, NumbersThatTheProgramGivesOutStandInTableAndPaths) {
