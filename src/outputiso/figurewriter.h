@@ -75,8 +75,9 @@ FigureWritten writeInnerLater(const FigureJob& job, bool bReturn);
 FigureWritten writeOpenFirst(const FigureJob& job, int figureIndex);
 FigureWritten writeOpenLater(const FigureJob& job);
 // Outer figures. The first pass has no use for `bReturn`; in cut type 0 it is false for the later ones.
-// Moves of the later passes begin at the end of the lead's rapid part, pass by pass, and at the entry point
-// there where the tab is all that is left; figure by figure they begin where the first pass has ended.
+// Pass by pass the later passes begin at the threading point; where the tab is all that is left, its moves
+// count from the entry point without a block that goes there. Figure by figure they begin where the first
+// pass has ended.
 FigureWritten writeOuterFirst(const FigureJob& job, int figureIndex, bool bReturn);
 FigureWritten writeOuterLater(const FigureJob& job, bool bReturn);
 

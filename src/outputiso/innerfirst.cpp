@@ -103,7 +103,10 @@ class InnerFirst : public InnerWriter {
     // A contour of one span that was told ahead of the lead: its end is all that is left.
     if (i > lastSpan()) return row("", InnerRow::kContourEnd);
     raw(iso_.taperChange({T(i), prev_, bAll(), B(i), T(i + 1)}));
-    if (const auto stop = stopPoint(span(i))) {
+    // Behind a corner that was made sharp the wire stands there, not at the span's start.
+    IsoMove piece = span(i);
+    if (piece.bulge == 0.0) piece.from = cur_;
+    if (const auto stop = stopPoint(piece)) {
       const std::string upTo = seg(stop->upTo);
       row(upTo + takeMark(), InnerRow::kUpToStop);
       return row(seg(stop->rest), InnerRow::kContourEnd);
@@ -113,7 +116,7 @@ class InnerFirst : public InnerWriter {
       takeMark();
       row("", InnerRow::kUpToStop);
     }
-    const std::string whole = seg(span(i));
+    const std::string whole = seg(piece);
     row(whole + takeMark(), InnerRow::kContourEnd);
   }
 

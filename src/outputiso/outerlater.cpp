@@ -40,7 +40,7 @@ class OuterLater : public OuterWriter {
     for (int pass = 1; pass <= later_; ++pass) {
       turnAbout(pass);
       if (dir_ > 0)
-        trimForward();
+        trimForward(pass);
       else
         trimBackward();
     }
@@ -52,9 +52,11 @@ class OuterLater : public OuterWriter {
     return kRowAfter;
   }
 
-  void trimForward() {
+  void trimForward(int pass) {
     const int parts = spanAhead() ? trimAhead(forwardLine(1)) : kWholeRow;
-    row(seg(run_.ptLeadEnd, V(1)), rows_.trimStart, parts);
+    // Pass by pass the wire has been brought to the threading point first.
+    const AcGePoint2d from = byPass() && pass == 1 ? V(0) : run_.ptLeadEnd;
+    row(seg(from, V(1)), rows_.trimStart, parts);
     const int first = firstSpan();
     for (int i = first; i < breakSpan_; ++i) row(forwardLine(i) + mark(i == first), kNoRow);
     const IsoMove rest{V(std::max(first, breakSpan_)), run_.ptBreak, run_.dBreakBulgeA};

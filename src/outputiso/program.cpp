@@ -17,7 +17,6 @@
 #include "outputiso/offsets.h"
 #include "outputiso/postslots.h"
 #include "outputiso/secondrun.h"
-#include "toolpath/reliefbinding.h"
 
 namespace tarnex {
 
@@ -205,7 +204,9 @@ class ProgramWriter {
   FiguresWritten figures(ProgramFile& file) {
     auto& editor = module_.editor;
     editor.acedSetStatusBarProgressMeter(module_.message(kMeterTitle), 0, static_cast<long>(ids_.size()));
-    const CornerRelief relief = bindCornerRelief(module_);
+    // None: the contour goes out as drawn and the control compensates it, and a step into a corner of the
+    // drawn contour would be a step into the part. 3B programs have theirs on the wire's path.
+    const CornerRelief relief;
     FigureContext context{iso_,
                           module_.settings,
                           text_,

@@ -60,6 +60,18 @@ TEST(MarkedCorner, IsCutSharpWhereItIsTapered) {
   EXPECT_EQ(corner(f), "TL2.0|G01X20.Y15.|T0|G03X15.Y20.I-5.J0.|G01X0.Y20.|");
 }
 
+// Entered at (5,20), the last span comes from the corner: in incremental output too it starts at (20,20),
+// where the wire stands, 12 mm from the stop 3 mm before the end.
+TEST(MarkedCorner, TheLastSpanGoesOnFromIt) {
+  InnerFigure f;
+  ASSERT_TRUE(f.path->initContour(
+      {{5, 10}, {5, 20}, kInnerHole, kCounterClockwise, 0, 0},
+      {{{{0, 0}, 0}, {{20, 0}, 0}, {{20, 15}, kQuarter}, {{15, 20}, 0}, {{0, 20}, 0}}, true}, 3));
+  f.path->setCodeAt(5, "M05");
+  EXPECT_EQ(between(f.incremental().first(), "|G01X20.Y0.|", "<10"),
+            "G01X0.Y20.R5.R5.|<8 G01X-12.Y0.>|<9 G01X-3.Y0.>|");
+}
+
 TEST(MarkedCorner, LaterPassesLookAtTheTaperOfThePassBefore) {
   InnerFigure f = roundedHole();
   f.path->setCodeAt(2, "R");

@@ -107,8 +107,8 @@ TEST(OuterMotion, TheWireNeverJumpsAndTheTabComesLast) {
     const Walk first = walk(p.first, f.lists.vertices[0], "?");
     const bool trims = f.style.nPassLast > 0;
     ASSERT_TRUE(near(first.at.back(), trims ? f.ptBreakExit : f.ptBreak));
-    // Pass by pass, the later passes begin where the rapid part of the lead ends.
-    const Walk later = walk(p.later, byPass ? p.run.ptLeadEnd : first.at.back(), byPass ? "<22" : "<19");
+    // Pass by pass, the wire is brought to the threading point before the later passes.
+    const Walk later = walk(p.later, byPass ? f.lists.vertices[0] : first.at.back(), byPass ? "<22" : "<19");
     ASSERT_TRUE(near(later.at.back(), p.run.ptWireEnd));
     ASSERT_TRUE(!f.bReturn || near(later.at.back(), f.lists.vertices[0]));
     for (const auto& at : first.at) ASSERT_TRUE(mayStand(f, p.run, at) && !inTab(f, p.run, at));
