@@ -14,18 +14,18 @@ constexpr ChoiceRow kOrders[] = {{0, 20130}, {1, 20131}};
 // mm, degrees. A lead-in has a length that a program can count. One arc can't go all the way round. A wire
 // offset is the wire's radius and its spark gap, at most that of a roughing electrode.
 constexpr FieldRow kPathRows[] = {
-    {"dLeadLen", 20110, kReal, 0.01, 1000},
-    {"nSnapMode", 20111, kChoice, 0, 1, kSnapModes},
-    {"nDirection", 20114, kChoice, -1, 1, kDirections},
-    {"nSide", 20117, kChoice, -1, 1, kSides},
-    {"bSmallHole", 20120, kYesNo},
-    {"dSmallHoleRadius", 20121, kReal, 0, 1000},
-    {"bFixedLeadAngle", 20122, kYesNo},
-    {"dLeadAngle", 20123, kReal, -360, 360},
-    {"bThreadAtCentre", 20124, kYesNo},
-    {"nCircleArcs", 20125, kInteger, 2, 360},
+    kLeadLenRow,
+    kSnapModeRow,
+    kDirectionRow,
+    kSideRow,
+    kSmallHoleRow,
+    kSmallHoleRadiusRow,
+    kFixedLeadAngleRow,
+    kLeadAngleRow,
+    kThreadAtCentreRow,
+    kCircleArcsRow,
     {"dOffset", 20126, kReal, 0, 10},
-    {"bSameHoles", 20128, kYesNo},
+    kSameHolesRow,
     {"nPathOrder", 20129, kChoice, 0, 1, kOrders},
 };
 
@@ -34,18 +34,18 @@ constexpr ChoiceRow kLeadKinds[] = {{0, 20423}, {1, 20424}};
 // What a job's paths and their program are made with, mm and degrees; a radius or length of 0 leaves its part
 // out.
 constexpr FieldRow kJobRows[] = {
-    {"dLeadLen", 20110, kReal, 0.01, 1000},
-    {"nSnapMode", 20111, kChoice, 0, 1, kSnapModes},
-    {"nDirection", 20114, kChoice, -1, 1, kDirections},
-    {"nSide", 20117, kChoice, -1, 1, kSides},
-    {"bFixedLeadAngle", 20122, kYesNo},
-    {"dLeadAngle", 20123, kReal, -360, 360},
-    {"bThreadAtCentre", 20124, kYesNo},
-    {"nCircleArcs", 20125, kInteger, 2, 360},
-    {"dGapValue", 20407, kReal, 0.001, 1000},
+    kLeadLenRow,
+    kSnapModeRow,
+    kDirectionRow,
+    kSideRow,
+    kFixedLeadAngleRow,
+    kLeadAngleRow,
+    kThreadAtCentreRow,
+    kCircleArcsRow,
+    kGapValueRow,
     {"dBridgeLen", 20415, kReal, 0, 1000},
     {"dOvercutLen", 20416, kReal, 0, 100},
-    {"dOvercutExit", 20408, kReal, 0, 100},
+    kOvercutExitRow,
     {"dCutoffLen", 20417, kReal, 0, 100},
     {"dIsoOvercut", 20418, kReal, 0, 100},
     {"dIsoAngle", 20419, kReal, 0, 90},
@@ -56,8 +56,8 @@ constexpr FieldRow kJobRows[] = {
 };
 
 constexpr FieldRow kManualRows[] = {
-    {"nDirection", 20114, kChoice, -1, 1, kDirections},
-    {"nCircleArcs", 20125, kInteger, 2, 360},
+    kDirectionRow,
+    kCircleArcsRow,
     {"dOffset", 20126, kReal, 0, 10},
     {"nPathOrder", 20129, kChoice, 0, 1, kOrders},
 };

@@ -72,7 +72,9 @@ class SequenceWriter {
         start_ = p;
       else
         connect(p, rows_.fromInner, rows_.fromOuter);
-      runs_[k].emplace(written, path->prepareOutput(s_.context.settings, s_.relief));
+      // No relief: the contour goes out as drawn and the control compensates it, and a step into a corner of
+      // the drawn contour would be a step into the part. 3B programs have theirs on the wire's path.
+      runs_[k].emplace(written, path->prepareOutput(s_.context.settings, {}));
       runs_[k]->ptWireEnd = p;
       write(k, written);
       ++done_.figures;

@@ -16,7 +16,6 @@ struct FigureSequence {
   AcDbDatabase& drawing;
   const std::vector<AcDbObjectId>& ids;  // in cutting order
   FigureContext& context;                // the settings may be those that drawing the paths changed
-  const CornerRelief& relief;
   // Stand for paths that can't be changed, on locked layers: with the values that they would have.
   const std::map<AcDbObjectId, std::unique_ptr<CToolPath>>& standIns;
   std::function<void(long position)> meter;

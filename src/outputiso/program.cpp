@@ -204,9 +204,6 @@ class ProgramWriter {
   FiguresWritten figures(ProgramFile& file) {
     auto& editor = module_.editor;
     editor.acedSetStatusBarProgressMeter(module_.message(kMeterTitle), 0, static_cast<long>(ids_.size()));
-    // None: the contour goes out as drawn and the control compensates it, and a step into a corner of the
-    // drawn contour would be a step into the part. 3B programs have theirs on the wire's path.
-    const CornerRelief relief;
     FigureContext context{iso_,
                           module_.settings,
                           text_,
@@ -216,7 +213,6 @@ class ProgramWriter {
     const FigureSequence sequence{drawing_,
                                   ids_,
                                   context,
-                                  relief,
                                   standIns_,
                                   [&](long at) { editor.acedSetStatusBarProgressMeterPos(at); },
                                   [&] { editor.acedRestoreStatusBar(); },
