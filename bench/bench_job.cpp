@@ -110,8 +110,8 @@ class JobBench {
     std::vector<const SurveyedContour*> holes, outer;
     for (const auto& c : found.contours) (c.depth % 2 == 1 ? holes : outer).push_back(&c);
     steps_.add("path making", secondsOf([&] {
-                 steps.makePaths(holes, kInnerHole);
-                 steps.makePaths(outer, kOuterShape);
+                 steps.makePaths({"BP", kInnerHole, {}, {}}, holes);
+                 steps.makePaths({"BP", kOuterShape, {}, {}}, outer);
                }));
     ordering(session);
     steps_.add("program writing", secondsOf([&] {

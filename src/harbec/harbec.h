@@ -58,7 +58,8 @@ extern "C" {
 // where that is to edit a style, the style and then its passes. A style behind the last in use is a new one.
 // The result says what is to be done: 0 give paths the style, 1 write the program, 2 clear and 3 set the mark
 // of paths, 4 the style was edited, 5 cost note, 6 report; -1: cancelled, or a value isn't possible, and
-// `job` is as it was.
+// `job` is as it was. Choice 7 takes the job from a source (TOML): what it names, over what stands and over
+// the form; the result is then 4.
 [[gnu::visibility("default")]] int ProStyleDlg(tarnex::DialogFrame* frame, tarnex::JobLayout* job,
                                                int bKnown);
 }

@@ -5,7 +5,9 @@
 #include <algorithm>
 
 #include "harbec/harbec.h"
+#include "host/platform/files.h"
 #include "machining/conditiontable.h"
+#include "machining/jobsource.h"
 #include "machining/machines.h"
 
 namespace tarnex {
@@ -64,17 +66,18 @@ namespace {
 
 using namespace tarnex;
 
-constexpr int kJobOfDrawing = 20300, kJobOfLast = 20301;
+constexpr int kJobOfDrawing = 20300, kJobOfLast = 20301, kSourceTitle = 20501;
 
 constexpr ChoiceRow kActions[] = {{1, 20303}, {0, 20304}, {4, 20305}, {2, 20306},
-                                  {3, 20307}, {6, 20308}, {5, 20309}};
+                                  {3, 20307}, {7, 20500}, {6, 20308}, {5, 20309}};
 constexpr ChoiceRow kFiles[] = {{0, 20312}, {1, 20313}};
 constexpr ChoiceRow kCutTypes[] = {{CutType::kByFigure, 20318}, {CutType::kByPass, 20319}};
 constexpr ChoiceRow kSortModes[] = {
     {SortMode::kByNumber, 20321}, {SortMode::kByStyle, 20322}, {SortMode::kNearestNext, 20323}};
 constexpr ChoiceRow kLeads[] = {{0, 20325}, {1, 20326}};
 
-constexpr double kHighestPlane = 10000, kLongestText = 19, kThickest = 10000, kThickestWire = 10;
+constexpr double kHighestPlane = 10000, kLongestText = 19, kLongestPath = 4096, kThickest = 10000,
+                 kThickestWire = 10;
 
 // Choices of machine, material, wire and thickness from the install folder.
 void addMachine(FreeForm& form, const JobLayout& job, const std::string& installFolder) {
@@ -113,6 +116,26 @@ void addStyles(FreeForm& form, const JobLayout& job) {
   form.keepStanding(now, FieldKind::kInteger);
 }
 
+// The job becomes what a source says over it. False: cancelled, or the source has faults; the first is told.
+bool takeSource(DialogFrame& frame, JobLayout& job) {
+  FreeForm form(frame, kSourceTitle);
+  form.add("jobFile", 20502, FieldKind::kFile, std::string()).high = kLongestPath;
+  if (!form.confirmed()) return false;
+  const std::string path = absolutePath(form.textOf("jobFile"));
+  const auto text = readFile(path);
+  if (!text) {
+    frame.alert(text.error.text());
+    return false;
+  }
+  auto read = readJobSource(*text.value, path, job);
+  if (!read.faults.empty()) {
+    frame.alert(read.faults.front());
+    return false;
+  }
+  job = std::move(read.job);
+  return true;
+}
+
 // A style that comes into use under a name that another has gets one of its own.
 void useStyles(JobLayout& job, int count) {
   for (int i = job.nStyleCount; i < count; ++i) {
@@ -147,13 +170,14 @@ bool take(FreeForm& form, JobLayout& job, DialogFrame& frame) {
   const int now = form.wholeOf("nStyleNow");
   useStyles(job, std::max(form.wholeOf("nStyleCount"), now));
   job.nStyleNow = now - 1;
+  job.bKept = form.wholeOf("bKeepJob") != 0;
   return true;
 }
 
 }  // namespace
 
 int ProStyleDlg(DialogFrame* frame, JobLayout* job, int bKnown) {
-  constexpr int kNotConfirmed = -1, kEditStyle = 4;
+  constexpr int kNotConfirmed = -1, kEditStyle = 4, kFromSource = 7;
   if (!frame || !job) return kNotConfirmed;
   JobLayout edited = *job;
   (void)edited.hold();
@@ -167,9 +191,11 @@ int ProStyleDlg(DialogFrame* frame, JobLayout* job, int bKnown) {
   form.real("dThickAux", 20327, edited.dThickAux, -kHighestPlane, kHighestPlane);
   form.real("dThickProg", 20328, edited.dThickProg, -kHighestPlane, kHighestPlane);
   addStyles(form, edited);
+  form.add("bKeepJob", 20503, FieldKind::kYesNo, edited.bKept ? 1LL : 0LL);
   if (!form.confirmed() || !take(form, edited, *frame)) return kNotConfirmed;
   const int action = form.wholeOf("nAction");
   if (action == kEditStyle && !askStyle(*frame, edited)) return kNotConfirmed;
+  if (action == kFromSource && !takeSource(*frame, edited)) return kNotConfirmed;
   *job = edited;
-  return action;
+  return action == kFromSource ? kEditStyle : action;
 }

@@ -41,6 +41,7 @@ struct JobLayout {
   std::array<ProcessStyle, kMostStyles> styles;  // all ten, whatever nStyleCount says
   double dThickAux = 0.0, dThickProg = 0.0;      // heights of the auxiliary and programmed plane, mm
   std::string sTextCode = "UTF-8";
+  bool bKept = true;  // false: for this drawing alone, the job's file stays as it is; not compared, nor kept
   std::string sInstallFolder, sFilePath;  // of load and save, a path of the system; not compared
 
   bool operator==(const JobLayout& other) const;

@@ -167,6 +167,7 @@ void copyRaw(std::array<std::uint8_t, N>& to, std::string_view bytes, std::size_
 
 int MachinePost::paramInt(std::size_t slot) const {
   const std::string& text = param.at(slot);
+  if (text.size() == 1) return text[0] >= '0' && text[0] <= '9' ? text[0] - '0' : 0;  // as most are
   std::size_t end = text.find_first_not_of(" \t");
   if (end == std::string::npos) return 0;
   const std::size_t start = end;

@@ -38,7 +38,9 @@ class ListMaker {
     const std::string path = conditionPath(request_.installFolder, job_.sPostPath, file);
     if (table_.load(path, conditionListsPath(request_.installFolder)) <= 0) {
       list_.text = comment(message_(kNoFile, {std::string_view(post_.conditionFile[0])}));
-      list_.warnings.push_back(message_(kUnreadFile, {std::string_view(path)}));
+      // Without the folder: a batch works in a copy of it that is gone when this is read.
+      const std::string name = "MZS\\" + job_.sPostPath + "\\" + file + ".ini";
+      list_.warnings.push_back(message_(kUnreadFile, {std::string_view(name)}));
       return std::move(list_);
     }
     const auto cell = cellInForce();

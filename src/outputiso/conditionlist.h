@@ -2,19 +2,15 @@
 // Knows job, post and condition files; where the list stands in the head, the driver knows.
 #pragma once
 
-#include <functional>
-#include <initializer_list>
 #include <string>
 #include <vector>
 
 #include "host/database/database.h"
-#include "host/platform/format.h"
 #include "machining/joblayout.h"
 #include "outputiso/isopost.h"
+#include "outputiso/messages.h"
 
 namespace tarnex {
-
-using MessageText = std::function<std::string(int id, std::initializer_list<FormatArg> args)>;
 
 // A style of the job that a path of the program carries.
 struct StyleInUse {

@@ -90,8 +90,9 @@ bool writeIsoProgram(Module& module, const std::function<void()>& chosen) {
   module.loadSettings();
   if (module.settings.bOfferFileText != 0) offerName(module, path);
   module.settings.sLastNcFile = path;
-  if (!writeIsoFile(module, {iso, module.state<JobLayout>(), std::move(*ids), path})) return false;
-  const auto& written = module.state<LastProgramIso>();
+  if (!writeIsoFile(module, {iso, module.state<JobLayout>(), *ids, path})) return false;
+  auto& written = module.state<LastProgramIso>();
+  written.order = std::move(*ids);
   module.editor.print("\n" +
                       module.message(kWritten, {std::string_view(path), static_cast<long long>(written.lines),
                                                 static_cast<long long>(written.figures)}));

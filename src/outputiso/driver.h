@@ -16,7 +16,8 @@ bool writeIsoProgram(Module& module, const std::function<void()>& chosen = {});
 
 // The job comes from its file, the drawing's keys go before it. What the dialog was confirmed with stays in
 // both, also where the choice of paths, origin or file that follows is cancelled; a job that wasn't changed
-// is then not written either. Without prompts (CMDDIA 0) the dialog comes once.
+// is then not written either. With `bKeepJob` 0 the job is the drawing's alone, and the file stays as it is.
+// Without prompts (CMDDIA 0) the dialog comes once.
 void GG(Module& module);
 
 }  // namespace tarnex

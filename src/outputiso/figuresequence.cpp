@@ -2,7 +2,7 @@
 // Knows rows between figures by their numbers.
 #include "outputiso/figuresequence.h"
 
-#include <optional>
+#include <memory>
 
 #include "outputiso/postslots.h"
 
@@ -31,6 +31,7 @@ class SequenceWriter {
     eachFigure([this](std::size_t k, const CToolPath& path) {
       first(k, path);
       later(k, path);
+      takeNotes(k, path);
       runs_[k].reset();
     });
     wayBack();
@@ -44,12 +45,11 @@ class SequenceWriter {
       const auto path = s_.drawing.open<CToolPath>(s_.ids[k]);
       if (!runs_[k] || !path) continue;
       const CToolPath& written = standIn(k, *path);
-      if (written.nSide() == kInnerHole && written.passCount() <= 0) {
-        if (written.passCount() < 0) done_.negativePasses.push_back(written.nPathNo());
-        continue;
+      if (written.nSide() != kInnerHole || written.passCount() > 0) {
+        connect(written.getPointAt(0), rows_.fromInner, rows_.fromOuter);
+        later(k, written);
       }
-      connect(written.getPointAt(0), rows_.fromInner, rows_.fromOuter);
-      later(k, written);
+      takeNotes(k, written);
     }
     wayBack();
     return done_;
@@ -63,19 +63,24 @@ class SequenceWriter {
       const auto path = s_.drawing.open<CToolPath>(s_.ids[k]);
       if (!path || path->numVerts() == 0) continue;
       if (path->hasFlag(kFourAxis)) {
-        done_.fourAxis.push_back(path->nPathNo());
+        done_.notes.push_back({path->nPathNo(), FigureTrouble::kFourAxis});
         continue;
       }
       const CToolPath& written = standIn(k, *path);
+      runs_[k] =
+          std::make_unique<IsoFigureRun>(written, written.prepareOutput(s_.context.settings, s_.relief));
+      if (isBreakless({s_.context, written, *runs_[k]})) {
+        done_.notes.push_back({path->nPathNo(), FigureTrouble::kBreakless});
+        runs_[k].reset();
+        continue;
+      }
       const AcGePoint2d p = written.getPointAt(0);
       if (done_.figures == 0)
         start_ = p;
       else
         connect(p, rows_.fromInner, rows_.fromOuter);
-      // No relief: the contour goes out as drawn and the control compensates it, and a step into a corner of
-      // the drawn contour would be a step into the part. 3B programs have theirs on the wire's path.
-      runs_[k].emplace(written, path->prepareOutput(s_.context.settings, {}));
       runs_[k]->ptWireEnd = p;
+      done_.relievedCorners += runs_[k]->lists.relievedCorners;
       write(k, written);
       ++done_.figures;
     }
@@ -107,8 +112,12 @@ class SequenceWriter {
     else
       writeOuterLater(job, byPass_ && bReturn_);
     done_.passes += passesOf(path.getProcessStyle()) - (previousInner_ ? 1 : 0);
-    if (s_.context.out.find(kNoStopText) != std::string::npos) done_.withoutStop.push_back(path.nPathNo());
     finished(k);
+  }
+
+  void takeNotes(std::size_t k, const CToolPath& path) {
+    const auto notes = notesOf({s_.context, path, *runs_[k]});
+    done_.notes.insert(done_.notes.end(), notes.begin(), notes.end());
   }
 
   void finished(std::size_t k) {
@@ -138,7 +147,7 @@ class SequenceWriter {
   IsoPost& iso_;
   const SequenceRows& rows_;
   const bool byPass_, bReturn_;
-  std::vector<std::optional<IsoFigureRun>> runs_;
+  std::vector<std::unique_ptr<IsoFigureRun>> runs_;
   FiguresWritten done_;
   AcGePoint2d start_, wireEnd_;
   bool previousInner_ = true;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/database/database.h"
+#include "outputiso/figuretrouble.h"
 #include "outputiso/figurewriter.h"
 
 namespace tarnex {
@@ -16,6 +17,7 @@ struct FigureSequence {
   AcDbDatabase& drawing;
   const std::vector<AcDbObjectId>& ids;  // in cutting order
   FigureContext& context;                // the settings may be those that drawing the paths changed
+  const CornerRelief& relief;            // of drawn contours; may be empty
   // Stand for paths that can't be changed, on locked layers: with the values that they would have.
   const std::map<AcDbObjectId, std::unique_ptr<CToolPath>>& standIns;
   std::function<void(long position)> meter;
@@ -26,10 +28,9 @@ struct FigureSequence {
 
 struct FiguresWritten {
   int figures = 0;
-  int passes = 0;                   // first, later and tab passes
-  std::vector<int> fourAxis;        // numbers of paths that were left out
-  std::vector<int> withoutStop;     // numbers of paths whose tab has kNoStopText in the program
-  std::vector<int> negativePasses;  // numbers of paths whose later passes were left out
+  int passes = 0;  // first, later and tab passes
+  long relievedCorners = 0;
+  std::vector<FigureNote> notes;
 };
 
 // Every figure with all its passes before the next.

@@ -59,7 +59,7 @@ std::string FigureWriter::seg(const IsoMove& move) {
 }
 
 void FigureWriter::row(std::string_view motion, int r, int parts) {
-  context_.out += iso_.block(motion, r, "\n", parts);
+  iso_.appendBlock(context_.out, motion, r, "\n", parts);
 }
 
 void FigureWriter::startBlock(int figureIndex, int laterRow) {
@@ -99,8 +99,8 @@ IsoTaper FigureWriter::backwardTaper(int i) const {
 
 std::string FigureWriter::spanLine(const IsoMove& piece, const IsoTaper& taper) {
   std::string line = iso_.taperChange(taper);
-  line += seg(piece);
-  line += iso_.cornerWord(taper, radiusOf(piece));
+  join(line, seg(piece));
+  if (taper.bAllCorners) line += iso_.cornerWord(taper, radiusOf(piece));
   return line;
 }
 

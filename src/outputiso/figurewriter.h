@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "machining/joblayout.h"
 #include "outputiso/isopost.h"
@@ -39,6 +40,7 @@ struct IsoFigureRun {
   double dBreakBulgeA = 0, dBreakBulgeB = 0;  // outer figures: of that span's two parts
   AcGePoint2d ptLeadEnd;                      // outer figures: end of the rapid part of the lead
   bool bStoppedAtBreak = false;  // outer figures: false where the first pass has cut the part free
+  bool bNoStopText = false;      // kNoStopText stands in the program
   bool bStopTooLong = false;     // a stop distance is set, but it is longer than the span that it ends
   double dOvercutLen = 0, dOvercutExit = 0;  // mm
 
@@ -80,6 +82,8 @@ FigureWritten writeOpenLater(const FigureJob& job);
 // pass has ended.
 FigureWritten writeOuterFirst(const FigureJob& job, int figureIndex, bool bReturn);
 FigureWritten writeOuterLater(const FigureJob& job, bool bReturn);
+// An outer figure that would be refused as kBreakless.
+[[nodiscard]] bool isBreakless(const FigureJob& job);
 
 // Rows that all kinds of figures have alike, relative to rowBase.
 struct FigureRow {
@@ -93,6 +97,14 @@ inline constexpr const char* kNoStopText =
     "阿奇程序特殊情况，请不要使用此程序，联系开发商"
     "www.tarnex.example\n";
 inline constexpr int kRowUpToMotion = kRowBefore | kRowInside;
+
+// Words behind those of a line; the first of them give it their memory.
+inline void join(std::string& line, std::string&& words) {
+  if (line.empty())
+    line = std::move(words);
+  else
+    line += words;
+}
 
 // The pieces that writers are made of. V, B, T: vertices, bulges and tapers of the output lists.
 class FigureWriter {

@@ -35,7 +35,8 @@ int InnerWriter::overcutRule() const {
 std::optional<InnerWriter::SharpCorner> InnerWriter::markedCorner(int i) const {
   if (i + 3 >= n() || B(i + 1) == 0.0) return std::nullopt;
   const auto& vertices = path_.aCodeVertex();
-  const auto code = std::find(vertices.begin(), vertices.end(), i + 1);
+  const auto code =
+      std::find(vertices.begin(), vertices.end(), run_.lists.pathVertex[static_cast<std::size_t>(i + 1)]);
   if (code == vertices.end()) return std::nullopt;
   const std::string& text = path_.aCodeText()[static_cast<std::size_t>(code - vertices.begin())];
   const bool tapered = passTaper_ != 0.0 || T(i) != 0.0 || T(i + 2) != 0.0;
@@ -51,7 +52,7 @@ InnerWriter::ContourLine InnerWriter::contourLine(int i) {
   const int next = corner ? i + 2 : i + 1;
   ContourLine line{iso_.taperChange({T(i), prev_, bAll(), B(i), T(next)}), corner.has_value(), next};
   const AcGePoint2d to = corner ? corner->at : V(i + 1);
-  line.text += seg({cur_, to, B(i)});
+  join(line.text, seg({cur_, to, B(i)}));
   if (corner) {
     const std::string radius = "R" + iso_.formatNumber(corner->radius);
     line.text += radius + radius;

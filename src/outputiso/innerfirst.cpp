@@ -165,24 +165,24 @@ class InnerFirst : public InnerWriter {
 
   void exit(bool bReturn) {
     run_.bExitArc = leadKind() == kLeadArcs && run_.dOvercutExit > kShortestExitArc;
-    run_.ptWireEnd = bReturn ? V(0) : run_.ptBreakExit;
+    const AcGePoint2d from = bCut_ ? run_.ptBreak : V(1);
+    run_.ptWireEnd = bReturn ? V(0) : bCut_ && run_.bExitArc ? run_.ptBreakExit : run_.ptReEntryExit;
     if (bReturn)
-      exitHome();
+      exitHome(from);
     else
-      exitBeside();
+      exitBeside(from, run_.ptWireEnd);
   }
 
-  void exitHome() {
-    if (!run_.bExitArc) return row(seg(run_.ptBreak, V(0)), InnerRow::kRetreat);
-    leadOut(run_.ptBreak);
-    row(seg({run_.ptBreak, run_.ptExitArcB, run_.dLeadBulge}), kNoRow);
+  void exitHome(AcGePoint2d from) {
+    if (!run_.bExitArc) return row(seg(from, V(0)), InnerRow::kRetreat);
+    leadOut(from);
+    row(seg({from, run_.ptExitArcB, run_.dLeadBulge}), kNoRow);
     row(seg(run_.ptExitArcB, run_.ptExitArcA), InnerRow::kRetreat);
     row(seg(run_.ptExitArcA, V(0)), kNoRow);
   }
 
-  // From the entry point, also behind an overcut: the later passes come in again by the same vector.
-  void exitBeside() {
-    const AcGePoint2d from = run_.ptReEntry, to = run_.ptReEntryExit;
+  // From where the wire stands: incremental output and arcs count from there.
+  void exitBeside(AcGePoint2d from, AcGePoint2d to) {
     if (!run_.bExitArc) return row(seg(from, to), InnerRow::kRetreat);
     leadOutBeside(from, to);
     row(seg({from, run_.ptExitArcB, run_.dLeadBulge}), kNoRow);

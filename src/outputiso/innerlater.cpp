@@ -21,7 +21,7 @@ class InnerLater : public InnerWriter {
   void run() {
     setLeadBulge();
     for (int k = 0; k < laterPasses(); ++k) pass(k);
-    if (!bReturn_) row(seg({run_.ptBreakExit, V(0), 0.0, true}), rows_.figureEnd);
+    if (!bReturn_) row(seg({run_.ptWireEnd, V(0), 0.0, true}), rows_.figureEnd);
     run_.ptWireEnd = V(0);
   }
 
@@ -53,8 +53,8 @@ class InnerLater : public InnerWriter {
   }
 
   void approachFromBeside(int parts) {
-    if (!run_.bLeadArc) return row(seg(run_.ptReEntryExit, run_.ptReEntry), rows_.laterStart, parts);
-    row(seg(run_.ptBreakExit, run_.ptLeadSplit), kNoRow);
+    if (!run_.bLeadArc) return row(seg(run_.ptWireEnd, run_.ptReEntry), rows_.laterStart, parts);
+    row(seg(run_.ptWireEnd, run_.ptLeadSplit), kNoRow);
     row(seg(run_.ptLeadSplit, run_.ptLeadArc), rows_.laterStart, parts);
     row(seg({run_.ptLeadArc, V(1), run_.dLeadBulge}), kNoRow);
   }
@@ -79,6 +79,7 @@ class InnerLater : public InnerWriter {
   void retreat() {
     const AcGePoint2d from = bCut_ ? run_.ptBreak : run_.ptReEntry;
     const AcGePoint2d to = bCut_ ? run_.ptBreakExit : run_.ptReEntryExit;
+    if (!bReturn_) run_.ptWireEnd = to;
     if (!run_.bExitArc) return row(seg(from, bReturn_ ? V(0) : to), rows_.laterEnd);
     if (bReturn_) return retreatHome(bCut_ ? from : V(n() - 1));
     retreatBeside(from, to);
@@ -95,7 +96,7 @@ class InnerLater : public InnerWriter {
     if (!bCut_) {
       from = V(n() - 1);
       leadOut(from);
-      to = run_.ptExitArcA;
+      to = run_.ptWireEnd = run_.ptExitArcA;
     } else {
       leadOutBeside(from, to);
     }

@@ -20,11 +20,18 @@ std::size_t recordIndex(int pass) {
 
 }  // namespace
 
+bool sidesSwap(const ProcessStyle& style, int nSide) {
+  const int kind = kindOf(style);
+  return (kind == StyleKind::kSwapOuter && nSide == kOuterShape) ||
+         (kind == StyleKind::kSwapInner && nSide == kInnerHole);
+}
+
 void IsoPost::resetProgram() {
   figure = {};
   nPass = 0;
   nPassDir = 1;
   dPathLength = dTaperNow = 0;
+  aPassLength = {};
   nModalG = -1;
   ptLast = ptLastCentre = kNowhere;
   ptConnected.reset();
@@ -42,7 +49,7 @@ void IsoPost::setPath(IsoFigure next) {
 void IsoPost::setPass(int pass, int passDir) {
   nPass = pass;
   nPassDir = passDir;
-  const bool swap = sidesSwap(), fourAxis = (figure.nFlags & kFourAxis) != 0;
+  const bool swap = sidesSwap(figure.styleNow, figure.nSide), fourAxis = (figure.nFlags & kFourAxis) != 0;
   const bool left = (figure.nDirection * figure.nSide * passDir == 1) != swap;
   if (fourAxis)
     post.word[PostWord::kCompensation] = post.param[left ? PostParam::kUpperLeft : PostParam::kUpperRight];
@@ -72,12 +79,6 @@ double IsoPost::passOffsetNow() const {
 double IsoPost::passTaper() const {
   const bool one = post.paramInt(PostParam::kOneTaper) == 1;
   return figure.styleNow.passOffset[one ? 0 : recordIndex(nPass)];
-}
-
-bool IsoPost::sidesSwap() const {
-  const int kind = kindOf(figure.styleNow);
-  return (kind == StyleKind::kSwapOuter && figure.nSide == kOuterShape) ||
-         (kind == StyleKind::kSwapInner && figure.nSide == kInnerHole);
 }
 
 bool IsoPost::marksBlocks() const {

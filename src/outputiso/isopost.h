@@ -3,6 +3,7 @@
 // decide what is written and ask for every word here.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -45,6 +46,9 @@ struct IsoTaper {
 enum RowParts { kRowBefore = 1, kRowInside = 2, kRowAfter = 4, kWholeRow = 7 };
 inline constexpr int kNoRow = -1;
 
+// Holes of one kind of style and outer shapes of another are cut from the other side.
+[[nodiscard]] bool sidesSwap(const ProcessStyle& style, int nSide);
+
 struct IsoPost {
   MachinePost post;  // words 1, 5 and 20 are written here by setPass
 
@@ -57,8 +61,9 @@ struct IsoPost {
   // Where a connecting move has left the wire since ptLast was printed, program coordinates: modal output
   // leaves a word out only where both agree with it.
   std::optional<AcGePoint2d> ptConnected;
-  double dPathLength = 0;       // cut so far, mm
-  double dTaperNow = 0;         // degrees
+  double dPathLength = 0;                         // cut so far, mm; rapid moves within a figure count
+  std::array<double, kMostPasses> aPassLength{};  // of it what each pass record has cut, mm
+  double dTaperNow = 0;                           // degrees
   int nPass = 0, nPassDir = 1;  // 0 is the first pass; 1 forward, -1 backward along the path
   int rowBase = 0;              // added to the numbers of block rows
   int nTaperSign = 0;           // 0: tapers are printed without sign. Outlives the program
@@ -77,8 +82,6 @@ struct IsoPost {
   [[nodiscard]] double passOffsetNow() const;
   [[nodiscard]] const PassRecord& passRecord() const;
   [[nodiscard]] double passTaper() const;  // degrees; of the first pass where all take its taper
-  // Holes of one kind of style and outer shapes of another are cut from the other side.
-  [[nodiscard]] bool sidesSwap() const;
   // The post marks every block of a first pass instead of printing V8.
   [[nodiscard]] bool marksBlocks() const;
 
@@ -98,6 +101,8 @@ struct IsoPost {
   // One block: `motion` within the texts of a row, ended by exactly one `sep`, "\n" or "". What goes inside
   // the row stands behind the first three letters of the motion.
   [[nodiscard]] std::string block(std::string_view motion, int row, std::string_view sep, int parts) const;
+  // The same behind what stands in `out`.
+  void appendBlock(std::string& out, std::string_view motion, int row, std::string_view sep, int parts) const;
   // Words, offset positions and line breaks of a template filled in; never fails.
   [[nodiscard]] std::string expand(std::string_view text, std::string_view sep) const;
   // The program's head (0) or end (1), where the post has it switched on.

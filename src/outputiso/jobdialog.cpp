@@ -100,7 +100,7 @@ class JobCommand {
     DrawingVars vars(module_.drawing());
     writeJobKeys(vars, job_);
     std::string cause;
-    if (!job_.save(&cause)) module_.editor.print("\n" + cause + "\n");
+    if (job_.bKept && !job_.save(&cause)) module_.editor.print("\n" + cause + "\n");
     atStart_ = job_;
   }
 

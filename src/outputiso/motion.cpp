@@ -1,5 +1,6 @@
 // Motion words: connecting moves, lines and arcs, changes of taper, corners.
 // Knows program coordinates and the post's way of saying them; blocks are made of them by template.cpp.
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -60,8 +61,14 @@ void putChangedPoint(const IsoPost& iso, MotionLine& line, AcGePoint2d target) {
   line.putChanged("XY", target, from);
 }
 
+void count(IsoPost& iso, double length, bool bRapid) {
+  iso.dPathLength += length;
+  const int pass = std::clamp(iso.nPass, 0, kMostPasses - 1);
+  if (!bRapid) iso.aPassLength[static_cast<std::size_t>(pass)] += length;
+}
+
 void putLine(IsoPost& iso, MotionLine& line, const Motion& m) {
-  iso.dPathLength += m.from.distanceTo(m.to);
+  count(iso, m.from.distanceTo(m.to), m.bRapid);
   const int code = m.bRapid ? kRapidCode : kLineCode;
   const bool modal = iso.post.paramInt(PostParam::kModal) != 0;
   if (!modal || iso.nModalG != code)
@@ -75,7 +82,7 @@ void putLine(IsoPost& iso, MotionLine& line, const Motion& m) {
 
 void putArc(IsoPost& iso, MotionLine& line, const Motion& m) {
   const auto circle = bulgeToCircle(m.from, m.to, m.bulge);
-  iso.dPathLength += 4 * std::atan(std::abs(m.bulge)) * circle.radius;
+  count(iso, 4 * std::atan(std::abs(m.bulge)) * circle.radius, false);
   AcGePoint2d centre = circle.centre;
   if (iso.post.paramInt(PostParam::kCentre) == 0) centre = {centre.x - m.from.x, centre.y - m.from.y};
   const int code = m.bulge > 0.0 ? 3 : 2;

@@ -45,4 +45,25 @@ std::string offsetLines(const MachinePost& post, const ProcessStyle& style, int 
   return lines;
 }
 
+std::vector<OffsetMismatch> offsetMismatches(const MachinePost& post, std::string_view table,
+                                             const ProcessStyle& style, int nSide) {
+  const bool behind = nSide == kOuterShape && post.paramInt(PostParam::kTabRecord) == -1;
+  const int count = std::min(passesOf(style) + (behind ? 1 : 0), kMostPasses);
+  const std::string lines = "\n" + std::string(table);
+  std::vector<OffsetMismatch> found;
+  for (int i = 0; i < count; ++i) {
+    const PassRecord& pass = style.passes[static_cast<std::size_t>(i)];
+    const std::string head = "\n" + post.word[PostWord::kOffset] + pass.sCode + "=";
+    const std::string own = offsetText(post, pass.dValue1 - nSide * style.dValueA);
+    const auto at = lines.find(head);
+    std::string listed;
+    if (at != std::string::npos) {
+      const auto value = at + head.size();
+      listed = lines.substr(value, lines.find('\n', value) - value);
+    }
+    if (listed != own) found.push_back({pass.sCode, own, listed});
+  }
+  return found;
+}
+
 }  // namespace tarnex

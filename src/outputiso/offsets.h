@@ -3,6 +3,8 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "machining/machinepost.h"
 #include "machining/processstyle.h"
@@ -21,5 +23,13 @@ void numberOffsets(const MachinePost& post, ProcessStyle& style, int nSide, int&
 // passes' own. `nSide` is that of the first path of the style.
 [[nodiscard]] std::string offsetLines(const MachinePost& post, const ProcessStyle& style, int nSide,
                                       int& next);
+
+// A pass whose offset isn't what the table says under its number.
+struct OffsetMismatch {
+  std::string sCode, own, listed;  // the offsets as the table prints them; listed empty: not in it
+};
+// Of all passes of a path with this style, and of the record of its tab.
+[[nodiscard]] std::vector<OffsetMismatch> offsetMismatches(const MachinePost& post, std::string_view table,
+                                                           const ProcessStyle& style, int nSide);
 
 }  // namespace tarnex

@@ -28,9 +28,10 @@ class OuterWriter : public FigureWriter {
  public:
   // Also where the figure has no break at all: neither a point on its contour nor a span that it was on once.
   [[nodiscard]] std::optional<FigureWritten> refusal();
+  [[nodiscard]] bool isBreakless() const;
+  explicit OuterWriter(const FigureJob& job);
 
  protected:
-  explicit OuterWriter(const FigureJob& job);
   [[nodiscard]] bool holdsBreak(int i) const;
   // The word of a pass's first block where `due`, in the family that has one.
   [[nodiscard]] const char* mark(bool due) const { return spanAhead() && due ? kFirstBlockWord : ""; }

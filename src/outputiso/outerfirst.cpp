@@ -15,10 +15,14 @@ bool OuterWriter::holdsBreak(int i) const {
 
 std::optional<FigureWritten> OuterWriter::refusal() {
   if (const auto refused = FigureWriter::refusal()) return refused;
-  if (run_.nBreakSeg >= 0) return std::nullopt;
+  return isBreakless() ? std::optional(FigureWritten::kBreakless) : std::nullopt;
+}
+
+bool OuterWriter::isBreakless() const {
+  if (run_.nBreakSeg >= 0) return false;
   for (int i = 1; i < n() - 1; ++i)
-    if (holdsBreak(i)) return std::nullopt;
-  return FigureWritten::kBreakless;
+    if (holdsBreak(i)) return false;
+  return true;
 }
 
 namespace {
@@ -88,6 +92,10 @@ class OuterFirst : public OuterWriter {
 };
 
 }  // namespace
+
+bool isBreakless(const FigureJob& job) {
+  return job.path.nSide() != kInnerHole && OuterWriter(job).isBreakless();
+}
 
 FigureWritten writeOuterFirst(const FigureJob& job, int figureIndex, bool /*bReturn*/) {
   OuterFirst writer(job);

@@ -165,7 +165,10 @@ class OuterLater : public OuterWriter {
       run_.bStopTooLong = true;
       row("", rows_.tabUpToStop);
     }
-    if (spanAhead()) raw(kNoStopText);
+    if (spanAhead()) {
+      run_.bNoStopText = true;
+      raw(kNoStopText);
+    }
     row(seg(piece.move), rows_.tabEnd);
   }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <utility>
 
 #include "contour/hosthelpers.h"
@@ -17,15 +18,15 @@
 #include "outputiso/offsets.h"
 #include "outputiso/postslots.h"
 #include "outputiso/secondrun.h"
+#include "toolpath/reliefbinding.h"
 
 namespace tarnex {
 
 namespace {
 
 // Catalogue numbers.
-constexpr int kNoPathText = 2, kNotWritten = 37, kMeterTitle = 189, kFourAxisLeftOut = 20260,
-              kStrangeStyle = 20264, kNegativePasses = 20265, kNoStop = 20267, kLossy = 20268,
-              kTwoValues = 20269;
+constexpr int kNoPathText = 2, kNotWritten = 37, kMeterTitle = 189, kStrangeStyle = 20264, kLossy = 20268,
+              kTwoValues = 20269, kRelieved = 20276, kUnlisted = 20277, kOtherOffset = 20278;
 
 constexpr std::string_view kListWord = "SPRK";  // of a head: the lists stand in its place
 constexpr const char* kFirstFigureNote = "( FIG-1  1ST ALL CIRCUMFERENCE)\n";
@@ -58,10 +59,9 @@ class ProgramFile {
 
  private:
   void flush() {
-    const bool plain =
-        std::ranges::all_of(finished_, [](char c) { return static_cast<signed char>(c) >= 0; });
     bool lossy = false;
-    file_.write(plain ? finished_ : fromUtf8(finished_, page_, &lossy));
+    finished_ = convertedFromUtf8(std::move(finished_), page_, &lossy);
+    file_.write(finished_);
     lossy_ = lossy_ || lossy;
     finished_.clear();
   }
@@ -90,6 +90,7 @@ class ProgramWriter {
     drawPaths();
     writeHead();
     if (iso_.post.paramInt(PostParam::kNumberOffsets) == 1) numberStyles();
+    tellMismatches();
     heightLines();
     file.take(text_);
     const FiguresWritten written = figures(file);
@@ -146,9 +147,9 @@ class ProgramWriter {
     if (head.find(kListWord) != std::string::npos) {
       list = conditionList({iso_.post, job_, styles_, module_.installFolder, message_});
       replaceEach(head, std::string(kListWord) + "\n", kListWord);
-      const std::string table = offsetTable(iso_.post, styles_);
-      tellDoubledNumbers(table);
-      replaceEach(head, kListWord, list.text + table);
+      table_ = offsetTable(iso_.post, styles_);
+      tellDoubledNumbers(table_);
+      replaceEach(head, kListWord, list.text + table_);
       warnings_.insert(warnings_.end(), list.warnings.begin(), list.warnings.end());
     }
     head.erase(0, std::min(head.find_first_not_of('\n'), head.size()));
@@ -166,6 +167,27 @@ class ProgramWriter {
       if (!isNew && at->second != line.substr(equals + 1))
         warnings_.push_back(module_.message(kTwoValues, {std::string_view(at->first)}));
       table.remove_prefix(end + 1);
+    }
+  }
+
+  // The head has one offset for each number, that of the style's first path: a fit makes it wrong for the
+  // other side, and numbers that another machine's program has given out aren't in it at all.
+  void tellMismatches() {
+    if (table_.empty() || iso_.post.paramInt(PostParam::kOffsetByNumber) != 1) return;
+    std::set<std::pair<std::string, int>> told;
+    for (AcDbObjectId id : ids_) {
+      const auto standing = standIns_.find(id);
+      const auto* path = standing == standIns_.end() ? drawing_.peek<CToolPath>(id) : standing->second.get();
+      if (!path || std::ranges::count(styles_.strangers, id) != 0) continue;
+      const ProcessStyle style = path->getProcessStyle();
+      if (!told.emplace(style.sName, path->nSide()).second) continue;
+      const auto number = static_cast<long long>(path->nPathNo());
+      for (const auto& m : offsetMismatches(iso_.post, table_, style, path->nSide()))
+        warnings_.push_back(
+            m.listed.empty()
+                ? module_.message(kUnlisted, {number, std::string_view(m.sCode)})
+                : module_.message(kOtherOffset, {number, std::string_view(m.sCode), std::string_view(m.own),
+                                                 std::string_view(m.listed)}));
     }
   }
 
@@ -210,9 +232,11 @@ class ProgramWriter {
                           job_.nLeaderType,
                           job_.nCutType == CutType::kByPass ? CutType::kByPass : CutType::kByFigure,
                           module_.message(kNoPathText)};
+    const CornerRelief relief = bindCornerRelief(module_, ReliefOf::kDrawnContour);
     const FigureSequence sequence{drawing_,
                                   ids_,
                                   context,
+                                  relief,
                                   standIns_,
                                   [&](long at) { editor.acedSetStatusBarProgressMeterPos(at); },
                                   [&] { editor.acedRestoreStatusBar(); },
@@ -222,20 +246,18 @@ class ProgramWriter {
   }
 
   void tell(const std::string& path, long lines, const FiguresWritten& written) {
-    const auto numbered = [this](int text, const std::vector<int>& numbers) {
-      for (int number : numbers) warnings_.push_back(module_.message(text, {static_cast<long long>(number)}));
-    };
     for (AcDbObjectId id : styles_.strangers)
       if (const auto* p = drawing_.peek<CToolPath>(id)) {
         const std::string style = p->getProcessStyle().sName;
         warnings_.push_back(
             module_.message(kStrangeStyle, {static_cast<long long>(p->nPathNo()), std::string_view(style)}));
       }
-    numbered(kNoStop, written.withoutStop);
-    numbered(kNegativePasses, written.negativePasses);
-    numbered(kFourAxisLeftOut, written.fourAxis);
+    if (written.relievedCorners > 0)
+      warnings_.push_back(module_.message(kRelieved, {static_cast<long long>(written.relievedCorners),
+                                                      module_.settings.dIsoFixB, module_.settings.dIsoFixA}));
+    for (const auto& note : written.notes) warnings_.push_back(sentenceOf(note, message_));
     module_.state<LastProgramIso>() = {
-        path, lines, written.figures, written.passes, iso_.dPathLength, std::move(warnings_)};
+        path, lines, written.figures, written.passes, iso_.aPassLength, std::move(warnings_)};
   }
 
   Module& module_;
@@ -246,7 +268,7 @@ class ProgramWriter {
   const MessageText message_;
   const StylesInUse styles_;
   std::map<AcDbObjectId, std::unique_ptr<CToolPath>> standIns_;
-  std::string text_;
+  std::string text_, table_;
   std::vector<std::string> warnings_;
 };
 

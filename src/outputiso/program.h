@@ -2,6 +2,7 @@
 // Knows the job and the paths that were chosen; what the user is asked, the driver knows.
 #pragma once
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -16,8 +17,9 @@ struct LastProgramIso {
   std::string path;  // real path of the file; empty: none was written
   long lines = 0;
   int figures = 0, passes = 0;
-  double cutLength = 0;               // mm, without the moves between figures
-  std::vector<std::string> warnings;  // a sentence each, in the user's language
+  std::array<double, kMostPasses> cutLength{};  // mm cut with each pass record, leads too; no rapid moves
+  std::vector<std::string> warnings;            // a sentence each, in the user's language
+  std::vector<AcDbObjectId> order{};            // of the paths that were chosen, as they were taken up
 };
 
 struct IsoProgramRequest {

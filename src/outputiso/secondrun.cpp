@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 
 #include "host/geometry/values.h"
 #include "host/platform/format.h"
@@ -25,9 +24,18 @@ void replaceAll(std::string& text, std::string_view what, std::string_view by) {
     text.replace(at, what.size(), by);
 }
 
-// The leading whole number of at most `most` characters.
-double numberAt(const std::string& text, std::size_t at, std::size_t most) {
-  return std::atoi(text.substr(std::min(at, text.size()), most).c_str());
+// The whole number that at most `most` characters begin with, blanks aside.
+int numberAt(std::string_view text, std::size_t at, std::size_t most) {
+  text = text.substr(std::min(at, text.size()), most);
+  while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
+  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
+  int n = 0;
+  std::from_chars(text.data(), text.data() + text.size(), n);
+  return n;
+}
+
+constexpr bool isCoordinate(char c) {
+  return c == 'X' || c == 'Y' || c == 'I' || c == 'J';
 }
 
 // Where a line that is too long is parted.
@@ -35,6 +43,28 @@ std::size_t partedAt(std::string_view line) {
   std::size_t at = SecondRun::kLongestLine;
   while (at > SecondRun::kLongestLine - 4 && (static_cast<unsigned char>(line[at]) & 0xC0) == 0x80) --at;
   return at;
+}
+
+// A zero word at the line's start stays; of the others the plus form goes, and behind a start that stays the
+// minus form.
+std::string_view zeroWordOf(std::string_view line, std::string_view plus, std::string_view minus) {
+  return line.starts_with(plus) ? minus : plus;
+}
+
+struct MoveWords {
+  AcGePoint2d to, centre;  // micrometres; 0 where there is no word
+};
+
+MoveWords wordsOf(std::string_view line) {
+  MoveWords words;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    const double n = isCoordinate(line[i]) ? numberAt(line, i + 1, kCoordinate) : 0;
+    if (line[i] == 'X') words.to.x = n;
+    if (line[i] == 'Y') words.to.y = n;
+    if (line[i] == 'I') words.centre.x = n;
+    if (line[i] == 'J') words.centre.y = n;
+  }
+  return words;
 }
 
 }  // namespace
@@ -52,18 +82,28 @@ LineNumberFormat::LineNumberFormat(const std::string& format) : format_(format) 
   after_ = format.substr(at + 1);
 }
 
-void LineNumberFormat::append(std::string& to, long number) const {
-  if (!plain_) {
-    to += formatChecked(format_, {static_cast<long long>(number)});
-    return;
-  }
-  char digits[24];
-  const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-  const auto count = static_cast<std::size_t>(end - digits);
-  to += before_;
-  if (count < width_) to.append(width_ - count, fill_);
-  to.append(digits, count);
-  to += after_;
+void LineNumberFormat::append(std::string& to, long number) {
+  if (!plain_)
+    shown_ = formatChecked(format_, {static_cast<long long>(number)});
+  else if (number != last_ + 1 || !countOn())
+    shown_ = textOf(number);
+  last_ = number;
+  to += shown_;
+}
+
+std::string LineNumberFormat::textOf(long number) const {
+  const std::string digits = std::to_string(number);
+  std::string text = before_;
+  if (digits.size() < width_) text.append(width_ - digits.size(), fill_);
+  return text + digits + after_;
+}
+
+bool LineNumberFormat::countOn() {
+  std::size_t at = shown_.size() - after_.size();
+  for (; at > before_.size() && shown_[at - 1] == '9'; --at) shown_[at - 1] = '0';
+  if (at == before_.size() || shown_[at - 1] < '0') return false;  // a digit more
+  ++shown_[at - 1];
+  return true;
 }
 
 SecondRun::SecondRun(const IsoPost& iso)
@@ -124,7 +164,7 @@ void SecondRun::body(std::string_view text, LineEnd end, std::string& out) {
 
 void SecondRun::line(std::string_view text, std::string& out) {
   ++lines_;
-  out += ahead_;
+  if (!ahead_.empty()) out += ahead_;
   if (numbered_) {
     if (!text.empty() && text.front() == '/') {
       out += '/';
@@ -132,18 +172,27 @@ void SecondRun::line(std::string_view text, std::string& out) {
     }
     if (!number_.empty()) number_.append(out, counter_++);
   }
-  if (signedUnits_) {
+  out += signedUnits_ ? inSignedUnits(text) : text;
+  if (!behind_.empty()) out += behind_;
+  out += '\n';
+}
+
+// Where nothing is to be changed, which is so of most lines, the text isn't copied.
+std::string_view SecondRun::inSignedUnits(std::string_view text) {
+  const auto has = [&](std::string_view what) { return text.find(what) != std::string_view::npos; };
+  // An open first block has its Y behind its start, so it is among these.
+  if (has(zeroWordOf(text, kPlusX, kMinusX)) || has(zeroWordOf(text, kPlusY, kMinusY))) {
     line_ = text;
-    if (line_.find(kOpenFirstBlock) != std::string::npos)
+    if (has(kOpenFirstBlock)) {
       addVector();
-    else
-      removeZeroWords();
-    remember();
+    } else {
+      replaceAll(line_, zeroWordOf(line_, kPlusX, kMinusX), "");
+      replaceAll(line_, zeroWordOf(line_, kPlusY, kMinusY), "");
+    }
     text = line_;
   }
-  out += text;
-  out += behind_;
-  out += '\n';
+  remember(text);
+  return text;
 }
 
 // A first block that doesn't move says where the wire comes from: a unit vector along the last move, square
@@ -153,47 +202,23 @@ void SecondRun::addVector() {
     replaceAll(line_, kPlusX, "X" + iso_.formatNumber(x));
     replaceAll(line_, kPlusY, "Y" + iso_.formatNumber(y));
   };
-  if (lastI_ != 0 || lastJ_ != 0) {
-    const AcGePoint2d last{lastX_, lastY_};
-    const double a = acutAngle(last, {lastI_, lastJ_}) + (lastG_ == 2 ? -kPi / 2 : kPi / 2);
-    const AcGePoint2d q = acutPolar(last, a, 1.0);
-    return put(q.x - last.x, q.y - last.y);
+  const auto [to, centre] = wordsOf(lastMove_);
+  if (centre.x != 0 || centre.y != 0) {
+    const double a = acutAngle(to, centre) + (lastG_ == 2 ? -kPi / 2 : kPi / 2);
+    const AcGePoint2d q = acutPolar(to, a, 1.0);
+    return put(q.x - to.x, q.y - to.y);
   }
-  if (lastX_ == 0) return replaceAll(line_, kPlusY, lastY_ > 0 ? "Y+001000" : "Y-001000");
-  if (lastY_ == 0) return replaceAll(line_, kPlusX, lastX_ > 0 ? "X+001000" : "X-001000");
-  const double a = std::atan(lastY_ / lastX_);
+  if (to.x == 0) return replaceAll(line_, kPlusY, to.y > 0 ? "Y+001000" : "Y-001000");
+  if (to.y == 0) return replaceAll(line_, kPlusX, to.x > 0 ? "X+001000" : "X-001000");
+  const double a = std::atan(to.y / to.x);
   put(std::cos(a), std::sin(a));
 }
 
-// A zero word at the line's start stays; of the others the plus form goes, and behind a start that stays the
-// minus form.
-void SecondRun::removeZeroWords() {
-  replaceAll(line_, line_.starts_with(kPlusX) ? kMinusX : kPlusX, "");
-  replaceAll(line_, line_.starts_with(kPlusY) ? kMinusY : kPlusY, "");
-}
-
-void SecondRun::remember() {
-  if (line_.find_first_of("XYIJ") == std::string::npos) return;
-  lastX_ = lastY_ = lastI_ = lastJ_ = 0;
-  for (std::size_t i = 0; i < line_.size(); ++i) switch (line_[i]) {
-      case 'G':
-        if (const int g = static_cast<int>(numberAt(line_, i + 1, 2)); g == 2 || g == 3) lastG_ = g;
-        break;
-      case 'X':
-        lastX_ = numberAt(line_, i + 1, kCoordinate);
-        break;
-      case 'Y':
-        lastY_ = numberAt(line_, i + 1, kCoordinate);
-        break;
-      case 'I':
-        lastI_ = numberAt(line_, i + 1, kCoordinate);
-        break;
-      case 'J':
-        lastJ_ = numberAt(line_, i + 1, kCoordinate);
-        break;
-      default:
-        break;
-    }
+void SecondRun::remember(std::string_view text) {
+  if (std::ranges::none_of(text, isCoordinate)) return;
+  lastMove_ = text;
+  for (std::size_t at = text.find('G'); at != std::string_view::npos; at = text.find('G', at + 1))
+    if (const int g = numberAt(text, at + 1, 2); g == 2 || g == 3) lastG_ = g;
 }
 
 std::string finishProgram(const IsoPost& iso, std::string_view firstRun) {

@@ -15,10 +15,17 @@ class LineNumberFormat {
  public:
   explicit LineNumberFormat(const std::string& format);
   [[nodiscard]] bool empty() const { return format_.empty(); }
-  void append(std::string& to, long number) const;
+  void append(std::string& to, long number);
 
  private:
+  [[nodiscard]] std::string textOf(long number) const;
+  // Makes the text shown last that of the number behind it, for which mostly one digit changes; false where
+  // that takes more.
+  bool countOn();
+
   std::string format_, before_, after_;
+  std::string shown_;  // of number last_
+  long last_ = -2;
   bool plain_ = false;  // before_, the number in at least width_ digits, after_
   char fill_ = ' ';
   std::size_t width_ = 0;
@@ -44,20 +51,21 @@ class SecondRun {
   void line(std::string_view text, std::string& out);
   enum class LineEnd { kThere, kMissing };
   void body(std::string_view text, LineEnd end, std::string& out);
+  // The line as the family of signed units wants it; valid until the next one.
+  std::string_view inSignedUnits(std::string_view text);
   void addVector();  // to line_
-  void removeZeroWords();
-  void remember();
+  void remember(std::string_view text);
 
   const IsoPost& iso_;
-  const LineNumberFormat number_;
+  LineNumberFormat number_;
   const bool numbered_, signedUnits_;
   std::string_view ahead_, behind_;
   std::string rest_;  // of a line whose end hasn't come yet
   std::string line_;
   long counter_ = 1, lines_ = 0;
   bool begun_ = false;
-  int lastG_ = 0;
-  double lastX_ = 0, lastY_ = 0, lastI_ = 0, lastJ_ = 0;  // micrometres
+  std::string lastMove_;  // the last line with a coordinate
+  int lastG_ = 0;         // of the last arc that said its code
 };
 
 // The same over a whole program.

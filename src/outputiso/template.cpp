@@ -31,6 +31,11 @@ constexpr Byte byteKind(char c) {
   return kBytes[static_cast<unsigned char>(c)];
 }
 
+std::size_t plainEnd(std::string_view text, std::size_t at) {
+  while (at < text.size() && byteKind(text[at]) == Byte::kPlain) ++at;
+  return at;
+}
+
 bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
@@ -62,6 +67,7 @@ class Expander {
   Expander(const IsoPost& iso, std::string_view sep, std::string& out) : iso_(iso), sep_(sep), out_(out) {}
 
   void run(std::string_view text) {
+    if (text.empty()) return;
     const std::size_t start = out_.size();
     text_ = text;
     for (at_ = 0; at_ < text_.size();) step();
@@ -88,7 +94,7 @@ class Expander {
         afterU_ = true;
         return put("U");
       case Byte::kPlain:
-        while (at_ < text_.size() && byteKind(text_[at_]) == Byte::kPlain) ++at_;
+        at_ = plainEnd(text_, at);
         return put(text_.substr(at, at_ - at));
     }
   }
@@ -240,7 +246,7 @@ class Expander {
     const auto& left = iso_.post.param[PostParam::kTaperLeft];
     const auto& right = iso_.post.param[PostParam::kTaperRight];
     put(w > 0.0 ? left : right);
-    if (iso_.sidesSwap()) put(w > 0.0 ? right : left);
+    if (sidesSwap(iso_.figure.styleNow, iso_.figure.nSide)) put(w > 0.0 ? right : left);
   }
   // Date and time don't count as text on the line.
   void putClock(bool date) {
@@ -266,29 +272,35 @@ std::string IsoPost::expand(std::string_view text, std::string_view sep) const {
   return out;
 }
 
-std::string IsoPost::block(std::string_view motion, int row, std::string_view sep, int parts) const {
+void IsoPost::appendBlock(std::string& out, std::string_view motion, int row, std::string_view sep,
+                          int parts) const {
+  const std::size_t start = out.size();
   const auto rowText = [&](RowParts part, int which) {
     return row > 0 && (parts & part) != 0 ? post.rowText(row + rowBase, which) : std::string_view();
   };
   const auto append = [&](std::string& to, std::string_view text) { Expander(*this, sep, to).run(text); };
   const std::string_view before = rowText(kRowBefore, 0), inside = rowText(kRowInside, 1);
   std::string_view after = rowText(kRowAfter, 2);
-  std::string result;
-  result.reserve(motion.size() + 64);
-  append(result, before);
+  append(out, before);
   if (inside.empty()) {
-    append(result, motion);
+    append(out, motion);
   } else {
     std::string whole(motion.substr(0, kInsideAt));
     append(whole, inside);
     whole += motion.substr(std::min(kInsideAt, motion.size()));
-    append(result, whole);
+    append(out, whole);
   }
-  if (result.empty() && after.starts_with('$')) after.remove_prefix(1);
-  append(result, after);
-  if (!sep.empty()) result.erase(result.find_last_not_of(sep) + 1);
-  result += sep;
-  return result;
+  if (out.size() == start && after.starts_with('$')) after.remove_prefix(1);
+  append(out, after);
+  if (!sep.empty())
+    while (out.size() > start && sep.find(out.back()) != std::string_view::npos) out.pop_back();
+  out += sep;
+}
+
+std::string IsoPost::block(std::string_view motion, int row, std::string_view sep, int parts) const {
+  std::string text;
+  appendBlock(text, motion, row, sep, parts);
+  return text;
 }
 
 std::string IsoPost::textBlock(int which, std::string_view sep) const {

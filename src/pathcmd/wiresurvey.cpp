@@ -106,7 +106,8 @@ SharpCorner sharpestCorner(const PolylineCurve& contour, bool hole, double offse
 
 class Survey {
  public:
-  Survey(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& ids) {
+  Survey(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& ids, const WireOffset& offset)
+      : offset_(offset) {
     for (AcDbObjectId id : ids)
       if (const auto* path = drawing.peek<CToolPath>(id); path && path->numVerts() >= 3)
         paths_.push_back(path);
@@ -147,13 +148,15 @@ class Survey {
     warnings_.push_back({trouble, number, other, at, value, limit});
   }
 
-  static double wireOffset(const CToolPath& p) { return p.dOffset() - p.nSide() * p.dClearance(); }
+  double wireOffset(const CToolPath& p) const {
+    return offset_ ? offset_(p) : p.dOffset() - p.nSide() * p.dClearance();
+  }
 
   // The wire's centre path, and what the offset did to the contour.
   void fate(std::uint32_t i) {
     const CToolPath& p = *paths_[i];
     const double offset = wireOffset(p);
-    tool_ = p.wireCentrePath();
+    tool_ = offset_ ? p.computeOffset(p.nSide(), p.nDirection() * offset) : p.wireCentrePath();
     addLength(p);
     if (p.hasFlag(kOpenPath)) return;
     PolylineCurve contour{{p.polyline().vertices.begin() + 1, p.polyline().vertices.end() - 1}, true};
@@ -252,6 +255,7 @@ class Survey {
       warn(trouble, span.path, paths_[spans_[k].path]->nPathNo(), at, distance, limit);
   }
 
+  const WireOffset& offset_;
   std::vector<const CToolPath*> paths_;
   std::vector<OwnedSpan> spans_;
   BoxTree tree_;
@@ -300,8 +304,9 @@ std::vector<TightArc> tightArcs(const PolylineCurve& contour, bool hole, double 
   return tight;
 }
 
-WireSurvey surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths) {
-  return Survey(drawing, paths).run();
+WireSurvey surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths,
+                       const WireOffset& offset) {
+  return Survey(drawing, paths, offset).run();
 }
 
 }  // namespace tarnex

@@ -3,11 +3,14 @@
 // stand in the drawing; it only looks.
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "host/database/database.h"
 
 namespace tarnex {
+
+class CToolPath;
 
 enum class WireTrouble {
   kRadiusBelowOffset,  // an arc that the wire runs inside of is smaller than the wire
@@ -30,7 +33,11 @@ struct WireSurvey {
   std::vector<WireWarning> warnings;  // in path order; at most one per pair of paths and kind
   double cutLength = 0;               // mm along the wire's centre: leads, contours, returns
 };
-[[nodiscard]] WireSurvey surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths);
+// The wire of a path, mm beside its contour away from the part; a path's own where none is given, as it is
+// for paths whose control compensates.
+using WireOffset = std::function<double(const CToolPath& path)>;
+[[nodiscard]] WireSurvey surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths,
+                                     const WireOffset& offset = {});
 
 // What becomes of one closed contour beside which a wire runs `offset` mm away.
 struct OffsetFate {

@@ -1,10 +1,11 @@
-// Corner relief: a closed polyline with an out-and-back step at each corner that would keep a fillet.
-// Knows polylines; how far a step goes stands with the corner in toolpath.
+// Corner relief by name: a closed polyline with an out-and-back step, or an arc, at each corner that would
+// keep a fillet. Knows polylines; how far a step goes stands with the corner in toolpath.
 #include "toolpath/cornerrelief.h"
 
 #include "contour/geometrylibrary.h"
 #include "host/database/database.h"
 #include "quillet/quillet.h"
+#include "quillet/reliefarcs.h"
 #include "toolpath/toolpath.h"
 
 namespace {
@@ -66,20 +67,35 @@ PolylineCurve relieved(const PolylineCurve& contour, const Relief& relief, std::
   return result;
 }
 
-}  // namespace
-
-int lxcorner1(AcDbDatabase* drawing, unsigned id, double straightRadius, double arcRadius, int nSide,
-              std::vector<int>* flags) {
+// What `make` makes of the closed polyline `id` becomes the newest entity.
+template <class Make>
+int leaveRelieved(AcDbDatabase* drawing, unsigned id, int nSide, std::vector<int>* flags, const Make& make) {
   if (!drawing || !flags) return 0;
   const auto* source = drawing->peek<AcDbPolyline>(AcDbObjectId{id});
   if (!source || !source->isClosed() || source->numVerts() < 2) return 0;
-  const int direction = polylineOrientation(source->polyline());
+  const PolylineCurve contour = source->polyline();
+  const int direction = polylineOrientation(contour);
   if (direction == 0) return 0;
   flags->clear();
-  auto result = std::make_unique<AcDbPolyline>(
-      relieved(source->polyline(), {straightRadius, arcRadius, direction * nSide}, *flags));
+  auto result = std::make_unique<AcDbPolyline>(make(contour, direction * nSide));
   result->setLayer(source->layerId());
   result->setColorIndex(source->colorIndex());
   result->setElevation(source->elevation());
   return drawing->appendAcDbEntity(drawing->modelSpace(), std::move(result)).isNull() ? 0 : 1;
+}
+
+}  // namespace
+
+int lxcorner1(AcDbDatabase* drawing, unsigned id, double straightRadius, double arcRadius, int nSide,
+              std::vector<int>* flags) {
+  return leaveRelieved(drawing, id, nSide, flags, [&](const PolylineCurve& contour, int turn) {
+    return relieved(contour, {straightRadius, arcRadius, turn}, *flags);
+  });
+}
+
+int lxcorner2(AcDbDatabase* drawing, unsigned id, double straightRadius, double arcRadius, int nSide,
+              std::vector<int>* flags) {
+  return leaveRelieved(drawing, id, nSide, flags, [&](const PolylineCurve& contour, int turn) {
+    return withReliefArcs(contour, turn, {straightRadius, arcRadius}, *flags);
+  });
 }

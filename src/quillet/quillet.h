@@ -10,7 +10,7 @@ class AcDbDatabase;
 
 extern "C" {
 
-// Relieves the corners of a closed polyline of the drawing: where a wire that walks it leaves a fillet in the
+// Relieves the corners of a closed polyline that the wire's centre walks: where it leaves a fillet in the
 // part, an out-and-back step along the outer bisector is added. `straightRadius` (mm) is the fillet's radius
 // at corners between two straight spans, `arcRadius` that at corners of an arc; 0 leaves the corners of that
 // kind alone. nSide: 1 the polyline is an inner hole, -1 an outer shape; its own orientation is the cutting
@@ -25,6 +25,16 @@ extern "C" {
 // the polyline already; steps of at most 0.001 mm. 1: done. 0: no closed polyline of that id, or one without
 // a direction; nothing has changed then.
 [[gnu::visibility("default")]] int lxcorner1(tarnex::AcDbDatabase* drawing, unsigned id,
+                                             double straightRadius, double arcRadius, int nSide,
+                                             std::vector<int>* flags);
+
+// Relieves the corners of a drawn contour, beside which a control moves its wire: a step would be a slit that
+// no wire enters, so a corner becomes an arc of the given radius that passes through it, out into the part by
+// radius * (1 - sin(half the corner's angle)) beside each of its spans. A mating part's sharp corner fits in
+// then. The wire follows the arc if its offset is no larger. Arguments, result and what is left alone as
+// above, but a corner at V is now P, V, Q: flags 1, 0, 1, P and Q where the arc leaves the spans; it stays as
+// it is where that would be beyond a span's middle.
+[[gnu::visibility("default")]] int lxcorner2(tarnex::AcDbDatabase* drawing, unsigned id,
                                              double straightRadius, double arcRadius, int nSide,
                                              std::vector<int>* flags);
 

@@ -1,5 +1,6 @@
 // The lists that the ISO writers work from: the polyline, or its form after corner relief.
 // Knows the relief routine by its contract alone.
+#include <algorithm>
 #include <functional>
 
 #include "contour/geometrylibrary.h"
@@ -18,19 +19,22 @@ bool keepVertex(BulgeVertex& v, const AcGePoint2d* next) {
   return !next || !(v.point.distanceTo(*next) <= kSamePoint);
 }
 
-void addTo(OutputLists& lists, const BulgeVertex& v, double taper) {
+void addTo(OutputLists& lists, const BulgeVertex& v, double taper, int pathVertex) {
   lists.vertices.push_back(v.point);
   lists.bulges.push_back(v.bulge);
   lists.taper.push_back(taper);
+  lists.pathVertex.push_back(pathVertex);
 }
 
 constexpr int kKindWithoutRelief = 4;
 
 void addKept(OutputLists& lists, const std::vector<BulgeVertex>& vertices,
-             const std::function<double(std::size_t)>& taper) {
+             const std::function<double(std::size_t)>& taper,
+             const std::function<int(std::size_t)>& pathVertex) {
   for (std::size_t i = 0; i < vertices.size(); ++i) {
     BulgeVertex v = vertices[i];
-    if (keepVertex(v, i + 1 < vertices.size() ? &vertices[i + 1].point : nullptr)) addTo(lists, v, taper(i));
+    if (keepVertex(v, i + 1 < vertices.size() ? &vertices[i + 1].point : nullptr))
+      addTo(lists, v, taper(i), pathVertex(i));
   }
 }
 
@@ -47,14 +51,21 @@ OutputLists CToolPath::prepareOutput(const WireCutSettings& settings, const Corn
     relieved = relieveContour(*database(), relief, {{path.begin() + 1, path.end() - 1}, true},
                               {settings.dIsoFixB, settings.dIsoFixA, nSide_});
   if (!relieved) {
-    addKept(lists, path, [&](std::size_t i) {
-      return hasFlag(kFourAxis) || i >= aSegTaper_.size() ? 0.0 : aSegTaper_[i];
-    });
+    addKept(
+        lists, path,
+        [&](std::size_t i) { return hasFlag(kFourAxis) || i >= aSegTaper_.size() ? 0.0 : aSegTaper_[i]; },
+        [](std::size_t i) { return static_cast<int>(i); });
     return lists;
   }
-  addTo(lists, path[0], aSegTaper_.empty() ? 0.0 : aSegTaper_[0]);
-  addKept(lists, relieved->vertices, [](std::size_t) { return 0.0; });
-  if (lists.vertices.size() > 1) addTo(lists, {lists.vertices[1], 0}, 0.0);
+  addTo(lists, path[0], aSegTaper_.empty() ? 0.0 : aSegTaper_[0], 0);
+  int own = 0;
+  const auto& flags = relieved->flags;
+  addKept(
+      lists, relieved->vertices, [](std::size_t) { return 0.0; },
+      [&](std::size_t i) { return i < flags.size() && flags[i] != 0 ? -1 : ++own; });
+  // Each corner has two vertices more.
+  lists.relievedCorners = static_cast<int>(std::ranges::count_if(flags, [](int f) { return f != 0; })) / 2;
+  if (lists.vertices.size() > 1) addTo(lists, {lists.vertices[1], 0}, 0.0, static_cast<int>(path.size()) - 1);
   return lists;
 }
 

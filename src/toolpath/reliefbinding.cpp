@@ -14,10 +14,11 @@ using Routine = int (*)(AcDbDatabase*, unsigned, double, double, int, std::vecto
 
 }  // namespace
 
-CornerRelief bindCornerRelief(Module& module) {
+CornerRelief bindCornerRelief(Module& module, ReliefOf what) {
   auto library = LoadedModule::load(realPath(dataFile(module.installFolder, "Quillet.arx")));
   if (!library) return {};
-  const auto routine = reinterpret_cast<Routine>(library->entry("lxcorner1"));
+  const auto routine =
+      reinterpret_cast<Routine>(library->entry(what == ReliefOf::kWireCentre ? "lxcorner1" : "lxcorner2"));
   if (!routine) return {};
   auto kept = std::make_shared<LoadedModule>(std::move(*library));
   AcEditor& editor = module.editor;

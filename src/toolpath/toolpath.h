@@ -92,6 +92,8 @@ struct PathBreak {
 // Lists that the ISO writers work from.
 struct OutputLists : PathCurve {
   std::vector<double> taper;
+  std::vector<int> pathVertex;  // the path's vertex that each one is; -1 for those that corner relief added
+  int relievedCorners = 0;
 };
 
 // The corner relief routine: given a closed polyline of the drawing, two lengths (mm) and nSide, it leaves

@@ -24,6 +24,8 @@ TEST_F(PostTest, ListsShowsCompilesAndComparesAlike) {
   // A post of one's own is there once it lies in a folder under MZS.
   EXPECT_THAT(sh("mkdir -p install/MZS/Mine && cp a.pc install/MZS/Mine/Wire.pc && tarnex post list").out,
               HasSubstr("Mine/Wire "));
+  EXPECT_EQ(sh("tarnex post compile a.toml --as New/Wire && cmp a.pc install/MZS/New/Wire.pc").code, 0);
+  EXPECT_EQ(sh("tarnex post compile a.toml --as ../New/Wire").code, 2);
 }
 
 TEST_F(PostTest, FaultsNameThePlaceAndWriteNothing) {

@@ -184,6 +184,39 @@ TEST_F(JobForm, ResultsThatChangePaths) {
   EXPECT_EQ(path(b).getProcessStyle().sName, "STYLE1");
 }
 
+TEST_F(JobForm, TheJobFromAFileStaysWithTheDrawingWhereItIsNotToBeKept) {
+  storeJob();
+  dialogs(false);
+  const JobLayout standing = job;
+  write("job.toml", "thickness = 20\n[[style]]\nname = \"NEW\"\n");
+  write("bad.toml", "\nthickness = \"thick\"\n");
+  session.ed.preset("nAction", "7");
+  for (const char* file : {"bad.toml", "none.toml"}) {
+    session.ed.preset("jobFile", folder + "/" + file);
+    EXPECT_EQ(call({}), -1) << file;
+    EXPECT_TRUE(job == standing) << file;
+  }
+  EXPECT_THAT(session.out, HasSubstr("none.toml"));
+  session.ed.preset("jobFile", folder + "/job.toml");
+  session.ed.preset("bKeepJob", "0");
+  gg({});
+  session.ed.preset("nAction", "3");  // GG anew: the drawing's job goes before the file's
+  gg({""});
+  const auto& now = module->state<JobLayout>();
+  EXPECT_EQ(now.styles[0].sName, "NEW");
+  EXPECT_EQ(now.dThick, 20);
+  EXPECT_EQ(now.sMaterial, standing.sMaterial) << "what the file leaves out stays";
+  JobLayout file;
+  file.setFolder(folder);
+  EXPECT_TRUE(file.load());
+  EXPECT_TRUE(file == standing);
+  session.ed.preset("bKeepJob", "1");
+  session.ed.preset("nSortMode", "1");
+  gg({""});
+  EXPECT_TRUE(file.load());
+  EXPECT_TRUE(file == module->state<JobLayout>()) << "kept again, file and drawing agree";
+}
+
 TEST_F(JobForm, WithoutPromptsNoResultRunsForEver) {
   dialogs(false);
   const auto a = hole(0, "STYLE1");

@@ -16,7 +16,7 @@ constexpr double kMark = 0.000001;
 
 class Relief : public ModuleTest {
  protected:
-  Relief() : relief(bindCornerRelief(*module)) { EXPECT_TRUE(relief); }
+  Relief() : relief(bindCornerRelief(*module, ReliefOf::kWireCentre)) { EXPECT_TRUE(relief); }
   AcDbObjectId add(std::vector<BulgeVertex> vertices, bool closed = true) {
     return session.add(std::make_unique<AcDbPolyline>(PolylineCurve{std::move(vertices), closed}));
   }
@@ -135,9 +135,9 @@ TEST_F(Relief, LeavesOneEntityOnTheLayerOfTheFirstAndDeclinesWhatIsNoContour) {
 TEST_F(Relief, WithoutAModuleThereIsNone) {
   std::filesystem::create_directories(folder + "/nothing");
   surround("TARNEX_SHIPPED", folder + "/nothing");
-  EXPECT_FALSE(bindCornerRelief(*module));
+  EXPECT_FALSE(bindCornerRelief(*module, ReliefOf::kWireCentre));
   std::filesystem::copy_file(TARNEX_BINARY_DIR "/install/Harbec.DLL", folder + "/Quillet.arx");
-  EXPECT_FALSE(bindCornerRelief(*module)) << "a module without the routine";
+  EXPECT_FALSE(bindCornerRelief(*module, ReliefOf::kWireCentre)) << "a module without the routine";
 }
 
 // ---- what writers make of it

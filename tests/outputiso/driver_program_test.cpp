@@ -35,7 +35,16 @@ class IsoProgram : public ModuleFixture {
            {20266, "%s: %d lines, %d figures"},
            {20267, "path %d has no stop"},
            {20268, "lossy"},
-           {20269, "twice %s"}});
+           {20269, "twice %s"},
+           {20270, "path %d breakless"},
+           {20271, "path %d no room for %g"},
+           {20272, "path %d freed"},
+           {20273, "path %d keeps its tab"},
+           {20274, "path %d arc at %.3f,%.3f"},
+           {20277, "path %d unlisted %s"},
+           {20278, "path %d: %s is %s, listed %s"},
+           {20276, "%d relieved %g %g"},
+           {20275, "path %d at %.3f,%.3f: %.3f below %.3f"}});
     write("Brenlow.exe", "#!/bin/sh\nexit 0\n");
     std::filesystem::permissions(folder + "/Brenlow.exe", std::filesystem::perms::owner_all);
     write("MZS/Main.dat", "[Matrial]\n1=CU\n2=SKD11\n[Rad]\n1=0.2\n2=0.25\n[Thick]\n1=5\n2=20\n");
@@ -43,6 +52,7 @@ class IsoProgram : public ModuleFixture {
           "[Main]\nVer=2\n[SKD11-0.2-5]\n1=WIRE\n2=C000=START\n3=C001=ONE\n4=C002=TWO\nCORNERCODE=CC 7\n"
           "[CU-0.2-5]\n1=FIRST\n2=C000=S\n3=C001=CU\n");
     drawing().dwgName = "Part.dxf";
+    module->loadSettings();  // from here on they are of the present version
     module->settings.dIsoFixA = module->settings.dIsoFixB = 0;
     module->saveSettings();
     post().nWordCount = 40;
@@ -145,7 +155,7 @@ TEST_F(IsoProgram, ConditionsThatAreNotThereAreToldInTheProgramAndAtItsEnd) {
   EXPECT_THAT(read("out.nc"), Not(HasSubstr("FIG-1")));
   job().nDbf = 1;  // the post has no second file
   EXPECT_THAT(head(), StartsWith("%\n(//NO FILE cond)\nH000=0.010\n"));
-  EXPECT_THAT(last().warnings, ElementsAre(StartsWith("unread ")));
+  EXPECT_THAT(last().warnings, ElementsAre("unread MZS\\SODICK\\.ini"));
 }
 
 TEST_F(IsoProgram, AConditionOfTwoPassesIsListedOnceAndOneWithoutALineIsTold) {
@@ -240,14 +250,93 @@ TEST_F(IsoProgram, ConnectionsPassByPass) {
   EXPECT_EQ(last().figures, 3);
 }
 
-TEST_F(IsoProgram, MovesBetweenFiguresAreNotCut) {
+// 0.15 and 0.12 with a fit of 0.01: a hole's wire runs 0.14 and 0.11 beside it, a part's 0.16 and 0.13.
+TEST_F(IsoProgram, NumbersThatTheHeadDoesNotDefineAsThePathNeedsThem) {
+  post().param[6] = "1";
   hole(0, 1);
+  const auto part = square(30, 2, kOuterShape, job().styles[0]);
   ASSERT_NE(program(), "(none)");
-  const double once = last().cutLength;
-  EXPECT_GT(once, 80);  // twice round
+  EXPECT_THAT(last().warnings,
+              ElementsAre("path 2: 101 is 0.160, listed 0.140", "path 2: 102 is 0.130, listed 0.110"));
+  // The tab's own record is none of the passes that the head lists.
+  job().styles[0].dValueA = 0;
+  for (const auto& p : {part, drawing().modelSpaceEntities().front()})
+    drawing().open<CToolPath>(p, OpenMode::kForWrite)->setProcessStyle(job().styles[0]);
+  ASSERT_NE(program(), "(none)");
+  EXPECT_THAT(last().warnings, IsEmpty());
+  post().param[22] = "-1";
+  ASSERT_NE(program(), "(none)");
+  EXPECT_THAT(last().warnings, ElementsAre("path 2 unlisted 103"));
+  // Numbers that a program before has given out.
+  post().param[22] = "0";
+  auto other = job().styles[0];
+  other.passes[1].sCode = "9";
+  drawing().open<CToolPath>(part, OpenMode::kForWrite)->setProcessStyle(other);
+  ASSERT_NE(program(), "(none)");
+  EXPECT_THAT(last().warnings, ElementsAre("path 2 unlisted 9"));
+}
+
+// A square of 10 entered from 5 mm away, back to its centre behind each pass; no overcut.
+TEST_F(IsoProgram, WhatEachPassRecordHasCut) {
+  module->settings.dOvercutLen = 0;
+  module->saveSettings();
+  hole(0, 1);
   hole(1000, 2);
   ASSERT_NE(program(), "(none)");
-  EXPECT_NEAR(last().cutLength, 2 * once, 1e-6);
+  EXPECT_NEAR(last().cutLength[0], 2 * (5 + 40 + 5), 1e-6);
+  EXPECT_NEAR(last().cutLength[1], 2 * (5 + 40 + 5), 1e-6);
+  EXPECT_EQ(last().cutLength[2], 0);
+}
+
+TEST_F(IsoProgram, WhatAnOperatorMustKnowOfItsFigures) {
+  auto& one = job().styles[0];
+  one.nPassLast = 0;
+  module->settings.dCutoffLen = 4;  // the tab is 3 mm long, from the third path's break it is sqrt(13)
+  module->saveSettings();
+  hole(0, 1);
+  square(30, 2, kOuterShape, one);
+  const auto third = square(60, 3, kOuterShape, one);
+  const auto breakAt = [&](AcDbObjectId id, double x, double y, int span) {
+    PathBreak at;
+    at.ptBreak = {x, y};
+    at.ptBreakExit = {x + 1, y};
+    at.nBreakSeg = span;
+    drawing().open<CToolPath>(id, OpenMode::kForWrite)->setBreakPoint(at);
+  };
+  breakAt(third, 72, 2, 5);  // 2 mm beside its contour, on a span that it was on once
+  breakAt(square(90, 4, kOuterShape, one), 102, 2, -1);
+  const std::string text = program();
+  EXPECT_EQ(last().figures, 3);  // nothing of the fourth
+  EXPECT_THAT(text, Not(HasSubstr("X95.")));
+  EXPECT_THAT(last().warnings, ElementsAre("path 2 no room for 4", "path 3 no room for 4", "path 3 freed",
+                                           "path 4 breakless"));
+  job().nCutType = CutType::kByPass;
+  ASSERT_NE(program(), "(none)");
+  EXPECT_THAT(last().warnings, ElementsAre("path 4 breakless", "path 2 no room for 4", "path 2 keeps its tab",
+                                           "path 3 no room for 4", "path 3 freed", "path 3 keeps its tab"));
+}
+
+// Inside a ring of 0.1 mm no wire with an offset of 0.14 (0.15 less the fit) runs; round it any does.
+TEST_F(IsoProgram, RadiiThatTheWireCannotFollow) {
+  const auto ring = [&](double x, int number, int side) {
+    auto path = std::make_unique<CToolPath>();
+    const PolylineCurve c{{{{x - 0.1, 0}, 1}, {{x + 0.1, 0}, 1}}, true};
+    EXPECT_TRUE(path->initContour({{x, 0.1 - side * 0.05}, {x, 0.1}, side, 1, 0, 0}, c, 1));
+    path->setPathNo(number);
+    path->setProcessStyle(job().styles[0]);
+    PathBreak at;
+    at.ptBreak = {x - 0.1, 0};
+    at.ptBreakExit = {x - 0.2, 0};
+    at.nBreakSeg = 2;
+    if (side == kOuterShape) path->setBreakPoint(at);
+    session.add(std::move(path));
+  };
+  ring(0, 1, kInnerHole);
+  ring(10, 2, kOuterShape);
+  ASSERT_NE(program(), "(none)");
+  ASSERT_EQ(last().warnings.size(), 2u) << testing::PrintToString(last().warnings);
+  EXPECT_THAT(last().warnings[0], testing::EndsWith("0.100 below 0.140"));
+  EXPECT_EQ(last().warnings[1], "path 2 arc at 9.900,0.000");
 }
 
 TEST_F(IsoProgram, FourAxisPathsAreNamedAndLeftOut) {

@@ -14,7 +14,7 @@ TEST(InnerFigure, ByFigureBesideTheContour) {
   EXPECT_EQ(f.first(), "<1 X10.Y10.>|" + kLead + kFourSpans +
                            "<8 G01X20.Y7.>|<9 G01X20.Y10.>|<10 G01X20.Y12.>|<11 G01X19.Y10.>|");
   EXPECT_EQ(f.run.nFigureNo, 1);
-  EXPECT_EQ(f.run.ptWireEnd, AcGePoint2d(19, 12));
+  EXPECT_EQ(f.run.ptWireEnd, AcGePoint2d(19, 10));  // beside the entry, also behind the overcut
   const std::string pass = "<13 G01X20.Y10.>|" + kFourSpans + "G01X20.Y10.|G01X20.Y12.|<18 G01X19.Y12.>|";
   EXPECT_EQ(f.later(), pass + pass + "<19 G00X10.Y10.>|");
   EXPECT_EQ(f.run.ptWireEnd, AcGePoint2d(10, 10));
@@ -37,14 +37,14 @@ TEST(InnerFigure, ByPassHome) {
 TEST(InnerFigure, VectorsOfIncrementalOutput) {
   const std::string around = "G01X0.Y10.|G01X-20.Y0.|G01X0.Y-20.|G01X20.Y0.|";
   InnerFigure f = squareHole().passes(2).byPass().incremental().param(28, "1");
-  // The retreat names entry point and its exit, also behind the overcut at (20,12).
+  // The retreat leads beside the entry point, from the overcut's end (20,12).
   EXPECT_EQ(f.first(1), "<14 >|<2 G01X9.5Y0.>|<3 G01X0.5Y0.>|" + around +
-                            "<8 G01X0.Y7.>|<9 G01X0.Y3.>|<10 G01X0.Y2.>|<11 G01X-1.Y0.>|");
-  EXPECT_EQ(f.run.ptWireEnd, AcGePoint2d(19, 12));
+                            "<8 G01X0.Y7.>|<9 G01X0.Y3.>|<10 G01X0.Y2.>|<11 G01X-1.Y-2.>|");
+  EXPECT_EQ(f.run.ptWireEnd, AcGePoint2d(19, 10));
   // The first later pass comes from the threading point, the next from beside the entry, where the one before
-  // it ended: without overcut. At last (10,10) less the break's exit (19,12).
+  // it ended: without overcut. At last (10,10) less the entry's exit (19,10).
   EXPECT_EQ(f.later(), "<14 >|<17 G01X10.Y0.>|" + around + "G01X0.Y10.|<22 G01X-1.Y0.>|<17 G01X1.Y0.>|" +
-                           around + "G01X0.Y10.|<22 G01X-1.Y0.>|<23 G00X-9.Y-2.>|");
+                           around + "G01X0.Y10.|<22 G01X-1.Y0.>|<23 G00X-9.Y0.>|");
 }
 
 TEST(InnerFigure, LeadKinds) {
@@ -102,17 +102,16 @@ TEST(InnerFigure, ArcsHome) {
   f.param(28, "1");
   EXPECT_EQ(f.laterOnly(),
             "<13 G01X18.Y10.>|" + in + around + "G03X19.Y11.I-1.J0.|<18 G01X19.Y10.|G01X10.Y10.>|");
-  // Overcut in the last pass alone: the first leaves from its end, as though it had been cut, in the last
-  // span's direction.
+  // Overcut in the last pass alone: the first leaves from the contour's end too.
   f.param(28, "2");
-  EXPECT_EQ(behind(f.first(), "<9 G01X20.Y10.>|"), "G03X19.Y13.I-1.J0.|<11 G01X19.Y12.>|G01X10.Y10.|");
+  EXPECT_EQ(behind(f.first(), "<9 G01X20.Y10.>|"), "G03X19.Y11.I-1.J0.|<11 G01X19.Y10.>|G01X10.Y10.|");
 }
 
 TEST(InnerFigure, ArcsBeside) {
   const std::string in = "|<13 G01X18.Y8.>|G03X20.Y10.I0.J2.|", around = kFourSpans + "G01X20.Y10.|";
   InnerFigure f = arcLeads(squareHole().passes(1));
-  // From the entry (20,10) about its exit (19,10).
-  EXPECT_EQ(behind(f.first(), "<10 G01X20.Y12.>|"), "G03X19.Y11.I-1.J0.|<11 G01X19.Y10.>|");
+  // From the overcut's end (20,12) about its exit (19,12).
+  EXPECT_EQ(behind(f.first(), "<10 G01X20.Y12.>|"), "G03X19.Y13.I-1.J0.|<11 G01X19.Y12.>|");
   EXPECT_EQ(f.run.ptWireEnd, AcGePoint2d(19, 12));
   EXPECT_EQ(f.later(), "G01X18.Y10." + in + around +
                            "G01X20.Y12.|G03X19.Y13.I-1.J0.|<18 G01X19.Y12.>|<19 G00X10.Y10.>|");
@@ -137,14 +136,15 @@ TEST(InnerFigure, ClockwiseArcsAreTheMirrorImage) {
 TEST(InnerFigure, ExitLengths) {
   struct Case {
     double exit;
-    const char* retreat;  // from (20,10), a lead of 10 mm
+    const char* retreat;  // from (20,12): straight beside the entry, or by an arc beside where it stands; a
+                          // lead of 10 mm
   };
   for (const Case& c : {Case{0.2, "<11 G01X19.8Y10.>|"},
-                        {0.21, "G03X19.79Y10.21I-0.21J0.|<11 G01X19.79Y10.>|"},
-                        {0, "G03X15.Y15.I-5.J0.|<11 G01X15.Y10.>|"},
-                        {-1, "G03X15.Y15.I-5.J0.|<11 G01X15.Y10.>|"},
-                        {10, "G03X10.Y20.I-10.J0.|<11 G01X10.Y10.>|"},
-                        {10.1, "G03X15.Y15.I-5.J0.|<11 G01X15.Y10.>|"}}) {
+                        {0.21, "G03X19.79Y12.21I-0.21J0.|<11 G01X19.79Y12.>|"},
+                        {0, "G03X15.Y17.I-5.J0.|<11 G01X15.Y12.>|"},
+                        {-1, "G03X15.Y17.I-5.J0.|<11 G01X15.Y12.>|"},
+                        {10, "G03X10.Y22.I-10.J0.|<11 G01X10.Y12.>|"},
+                        {10.1, "G03X15.Y17.I-5.J0.|<11 G01X15.Y12.>|"}}) {
     InnerFigure f = squareHole();
     f.nLeaderType = 1;
     f.settings.dOvercutExit = c.exit;
@@ -182,9 +182,9 @@ TEST(InnerFigure, OvercutRules) {
     EXPECT_EQ(count(behind, overcut), later[1] - '0') << rule;
     EXPECT_EQ(f.run.ptBreak, AcGePoint2d(20, 12)) << rule;
   }
-  // Nobody cuts it, but the wire leaves from where it would end: from (20,12) to (10,10).
+  // Nobody cuts it: the wire leaves from the entry point.
   InnerFigure none = squareHole().returning().incremental().param(28, "2");
-  EXPECT_EQ(behind(none.first(), "<9 G01X0.Y3.>|"), "<11 G01X-10.Y-2.>|");
+  EXPECT_EQ(behind(none.first(), "<9 G01X0.Y3.>|"), "<11 G01X-10.Y0.>|");
 }
 
 TEST(InnerFigure, OvercutLengths) {

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "apps/tarnex/checkiso.h"
 #include "apps/tarnex/job3b.h"
 #include "apps/tarnex/jobsteps.h"
 #include "exchange/truth_paths.h"
@@ -26,7 +27,7 @@ namespace {
 truth::Expected expectedOf(AcDbDatabase& drawing, const WireCutSettings& s, Module& module,
                            const std::string& machine) {
   truth::Expected e = expectedOfPaths(drawing, s);
-  e.relieved = e.dFix > 0 && bindCornerRelief(module);
+  e.relieved = e.dFix > 0 && bindCornerRelief(module, ReliefOf::kWireCentre);
   MachineTable table;
   table.load(module.installFolder, module.language);
   const std::string name =
@@ -107,6 +108,8 @@ int runCheck(const CheckOptions& options) {
       return kUsage;
     }
   }
+  const std::string text = toUtf8(*bytes.value, isUtf8(*bytes.value) ? "UTF-8" : "GB18030");
+  if (isIsoCheck(options, text)) return checkIsoProgram(session, options, text);
   std::vector<truth::Figure> figures;
   if (options.offset) {
     JobSteps steps(session);
@@ -123,8 +126,7 @@ int runCheck(const CheckOptions& options) {
     return kFailed;
   }
   const auto expected = expectedOf(session.drawing(), settings, session.module(), options.machine);
-  const auto report =
-      truth::check(toUtf8(*bytes.value, isUtf8(*bytes.value) ? "UTF-8" : "GB18030"), figures, expected);
+  const auto report = truth::check(text, figures, expected);
   print(report, options.json);
   return report.ok ? kDone : kFailed;
 }

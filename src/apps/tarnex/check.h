@@ -17,6 +17,10 @@ struct CheckOptions {
   std::vector<std::string> sets;  // KEY=VALUE: options of the program (dAutoFixLen, nOvercutMode, ...)
   std::optional<double> unitFactor;
   bool json = false;
+  // Of ISO programs: the words that thread and cut the wire, and the program's origin in the drawing, x and y
+  // in mm (none: the drawing's).
+  std::string threadWord = "M60", cutWord = "M50";
+  std::vector<double> origin;
 };
 int runCheck(const CheckOptions& options);
 

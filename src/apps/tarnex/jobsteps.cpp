@@ -143,17 +143,22 @@ ContourSurvey JobSteps::survey(const LooseSurvey& loose) const {
   return found;
 }
 
-void JobSteps::makePaths(const std::vector<const SurveyedContour*>& contours, int side) {
+std::string JobSteps::emptyPlace() const {
+  const Extents2d all = session_.drawing().drawingExtents();
+  const double out = std::max((all.high - all.low).length(), 1.0);
+  return formatted("*%s,%s", shortestNumber(all.low.x - out).c_str(),
+                   shortestNumber(all.low.y - out).c_str());
+}
+
+void JobSteps::makePaths(const PathCommand& command, const std::vector<const SurveyedContour*>& contours) {
   if (contours.empty()) return;
   std::vector<AcDbObjectId> ids;
   for (const auto* c : contours) ids.push_back(c->id);
-  // The point where a window begins must hit nothing.
-  const Extents2d all = session_.drawing().drawingExtents();
-  const double out = std::max((all.high - all.low).length(), 1.0);
-  session_.run(
-      {formatted("SET nSide %d", side), "BP",
-       formatted("*%s,%s", shortestNumber(all.low.x - out).c_str(), shortestNumber(all.low.y - out).c_str()),
-       named(ids), ""});
+  std::vector<std::string> lines{formatted("SET nSide %d", command.side), command.name, emptyPlace(),
+                                 named(ids)};
+  lines.insert(lines.end(), command.answers.begin(), command.answers.end());
+  lines.push_back("");
+  session_.run(lines, command.answerer);
 }
 
 std::size_t JobSteps::mendOrder() {

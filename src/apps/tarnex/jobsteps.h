@@ -30,17 +30,25 @@ class JobSteps {
   void joinLooseCurves(const LooseSurvey& loose, std::optional<double> gap);
   // Contours and open chains after joining; plain open chains are told as wholes, not curve by curve.
   [[nodiscard]] ContourSurvey survey(const LooseSurvey& loose) const;
-  void makePaths(const std::vector<const SurveyedContour*>& contours, int side);
+  // By one window.
+  struct PathCommand {
+    std::string name;                  // BP or GA
+    int side = 1;                      // nSide
+    std::vector<std::string> answers;  // to what it asks behind the window
+    Session::Answerer answerer;        // of what it asks about some of the paths
+  };
+  void makePaths(const PathCommand& command, const std::vector<const SurveyedContour*>& contours);
   // Brings paths that lie inside another in front of it; how many paths stood wrong.
   std::size_t mendOrder();
 
   [[nodiscard]] std::vector<AcDbObjectId> shown() const;  // model space entities that a selection would take
   [[nodiscard]] bool hasPaths() const;
+  [[nodiscard]] std::string named(const std::vector<AcDbObjectId>& ids) const;  // "&1F &20 ..."
+  [[nodiscard]] std::string emptyPlace() const;  // a point for a window to begin at: nothing is there
   [[nodiscard]] std::string whatIsThere(const DxfReport& read, const ContourSurvey& found) const;
 
  private:
   std::size_t keptInside(AcDbObjectId reference) const;
-  std::string named(const std::vector<AcDbObjectId>& ids) const;  // "&1F &20 ..."
   template <class T>
   std::vector<AcDbObjectId> shownOf() const;
 

@@ -38,6 +38,7 @@ std::optional<double> unitFactorGiven(const std::string& units) {
 
 struct Arguments {
   Job3bOptions job;
+  JobIsoOptions iso;
   CheckOptions check;
   CheckDrawingOptions checkDrawing;
   InfoOptions info;
@@ -51,30 +52,49 @@ struct Arguments {
   int exitCode = kDone;
 };
 
-void add3b(CLI::App& app, Arguments& a) {
-  auto* c = app.add_subcommand("3b", "Drawings to 3B programs: contours found, paths made, program written");
-  c->add_option("drawings", a.job.drawings, "DXF files")->required();
-  auto* out = c->add_option("-o,--output", a.job.output, "Program file (one drawing)");
-  c->add_option("--out-dir", a.job.outDir, "Folder for the programs (any number of drawings)")->excludes(out);
-  c->add_option("--set", a.job.sets, "A setting for this run: KEY=VALUE, such as dOffset=0.11")
+// What both jobs take.
+void addJobOptions(CLI::App& c, JobOptions& job, std::string& units) {
+  c.add_option("drawings", job.drawings, "DXF files")->required();
+  auto* out = c.add_option("-o,--output", job.output, "Program file (one drawing)");
+  c.add_option("--out-dir", job.outDir, "Folder for the programs (any number of drawings)")->excludes(out);
+  c.add_option("--set", job.sets, "A setting for this run: KEY=VALUE, such as dLeadLen=2")
       ->allow_extra_args(false);
-  c->add_option("--machine", a.job.machine, "Machine of the KZS file: its pause and stop texts");
-  c->add_option("--plot", a.job.plot, "Picture of the paths: .svg, .pdf or .png");
-  c->add_option("--save", a.job.save, "DXF with the paths");
-  c->add_flag("--json", a.job.json, "Everything as JSON");
-  c->add_flag("--show-script", a.job.showScript, "The commands that give the same program, for `tarnex run`");
-  c->add_option("--layers", a.job.layers, "Only these layers")->delimiter(',')->allow_extra_args(false);
-  c->add_option("--skip-layers", a.job.skipLayers, "All but these layers")
+  c.add_option("--plot", job.plot, "Picture of the paths: .svg, .pdf or .png");
+  c.add_option("--save", job.save, "DXF with the paths");
+  c.add_flag("--json", job.json, "Everything as JSON");
+  c.add_flag("--show-script", job.showScript, "The commands that give the same program, for `tarnex run`");
+  c.add_option("--layers", job.layers, "Only these layers")->delimiter(',')->allow_extra_args(false);
+  c.add_option("--skip-layers", job.skipLayers, "All but these layers")
       ->delimiter(',')
       ->allow_extra_args(false);
-  c->add_option("--units", a.units, "Unit of the drawing, whatever it says: mm, cm, m, inch, foot, mil, um");
-  c->add_option("--scale", a.job.scale, "Factor on all coordinates")->check(CLI::PositiveNumber);
-  c->add_option("--gap", a.job.gap, "Join ends up to this far apart, mm (AJ)")->check(CLI::PositiveNumber);
-  c->add_flag("--clean", a.job.clean, "Remove doubled and tiny curves first (scc)");
-  c->add_option("--jobs", a.job.jobs, "Drawings at the same time")->check(CLI::Range(1, 64));
+  c.add_option("--units", units, "Unit of the drawing, whatever it says: mm, cm, m, inch, foot, mil, um");
+  c.add_option("--scale", job.scale, "Factor on all coordinates")->check(CLI::PositiveNumber);
+  c.add_option("--gap", job.gap, "Join ends up to this far apart, mm (AJ)")->check(CLI::PositiveNumber);
+  c.add_flag("--clean", job.clean, "Remove doubled and tiny curves first (scc)");
+  c.add_option("--jobs", job.jobs, "Drawings at the same time")->check(CLI::Range(1, 64));
+}
+
+void add3b(CLI::App& app, Arguments& a) {
+  auto* c = app.add_subcommand("3b", "Drawings to 3B programs: contours found, paths made, program written");
+  addJobOptions(*c, a.job, a.units);
+  c->add_option("--machine", a.job.machine, "Machine of the KZS file: its pause and stop texts");
   c->callback([&a] {
     a.job.unitFactor = unitFactorGiven(a.units);
     a.exitCode = run3b(a.job);
+  });
+}
+
+void addIso(CLI::App& app, Arguments& a) {
+  auto* c = app.add_subcommand(
+      "iso", "Drawings to ISO programs: contours found, die and punch paths made, program written");
+  addJobOptions(*c, a.iso, a.units);
+  c->add_option("--machine", a.iso.machine, "FOLDER/NAME, as `tarnex post list` names it (none: the job's)");
+  c->add_option("--job", a.iso.job, "Job file (TOML): machine, material, styles, and rules for styles");
+  c->add_option("--by", a.iso.by, "figure: each with all its passes; pass: the first passes of all first")
+      ->check(CLI::IsMember({"figure", "pass"}));
+  c->callback([&a] {
+    a.iso.unitFactor = unitFactorGiven(a.units);
+    a.exitCode = runIso(a.iso);
   });
 }
 
@@ -100,7 +120,8 @@ void addCheck(CLI::App& app, Arguments& a) {
       "check",
       "`check DRAWING`: what is wrong with a drawing's contours and wire paths.\n"
       "`check PROGRAM --drawing DRAWING`: the truth test, a program against the drawing it was made from");
-  c->add_option("file", a.check.program, "DXF drawing, or 3B program (then with --drawing)")->required();
+  c->add_option("file", a.check.program, "DXF drawing, or 3B or ISO program (then with --drawing)")
+      ->required();
   c->add_option("--offset", a.check.offset,
                 "Wire offset, mm, for plain contours (default of a drawing's check: the settings')");
   c->add_flag("--json", a.check.json, "As JSON");
@@ -127,7 +148,19 @@ void addCheck(CLI::App& app, Arguments& a) {
       ->group(ofDrawing);
   c->add_option("--drawing", a.check.drawing, "DXF with the paths, or with plain contours and --offset")
       ->group(ofProgram);
-  c->add_option("--machine", a.check.machine, "Machine whose pause and stop texts the program has")
+  c->add_option("--machine", a.check.machine,
+                "3B: machine whose pause and stop texts the program has; ISO: FOLDER/NAME of its post")
+      ->group(ofProgram);
+  c->add_option("--thread", a.check.threadWord, "ISO: the word that threads the wire")
+      ->capture_default_str()
+      ->group(ofProgram);
+  c->add_option("--cut", a.check.cutWord, "ISO: the word that cuts the wire")
+      ->capture_default_str()
+      ->group(ofProgram);
+  c->add_option("--origin", a.check.origin,
+                "ISO: the program's origin in the drawing, x,y in mm (none: the drawing's)")
+      ->delimiter(',')
+      ->expected(2)
       ->group(ofProgram);
   c->add_option("--set", a.check.sets, "An option that the program was written with, KEY=VALUE")
       ->allow_extra_args(false)
@@ -230,6 +263,7 @@ int main(int argc, char** argv) {
   app.set_version_flag("--version", "tarnex 0.1.0");
   Arguments a;
   add3b(app, a);
+  addIso(app, a);
   addPlot(app, a);
   addCheck(app, a);
   addLooking(app, a);

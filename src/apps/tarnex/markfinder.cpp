@@ -201,8 +201,8 @@ class MarkFinder {
       findTightRadii(c.id, c.shape, hole, offset());
       (hole ? holes : outer).push_back(&c);
     }
-    steps_.makePaths(holes, kInnerHole);
-    steps_.makePaths(outer, kOuterShape);
+    steps_.makePaths({"BP", kInnerHole, {}, {}}, holes);
+    steps_.makePaths({"BP", kOuterShape, {}, {}}, outer);
   }
 
   void findTightRadii(AcDbObjectId id, const PolylineCurve& shape, bool hole, double offset) {

@@ -64,7 +64,7 @@ std::string summary(const MachinePost& p) {
   std::string text = "family " + std::to_string(p.nFamily) + ", " + numberStyle(p);
   text += p.word[0] == "G90" ? ", absolute" : ", incremental";
   if (p.paramInt(5) != 0) text += ", modal";
-  text += ", conditions " + p.conditionFile[0];
+  text += p.conditionFile[0].empty() ? ", no conditions" : ", conditions " + p.conditionFile[0];
   if (!p.conditionFile[1].empty() && p.conditionFile[1] != p.conditionFile[0])
     text += ", " + p.conditionFile[1];
   return text;
@@ -122,6 +122,21 @@ int compilePostFile(const std::string& source, const std::string& post) {
   return write(post, encodePost(*made));
 }
 
+int compileMachine(const std::string& source, const std::string& machine) {
+  MachineName name;
+  std::string error;
+  if (!parseMachine(machine, name, error)) {
+    tell(error);
+    return kUsage;
+  }
+  const std::string folder = realPath(installFolder() + "\\MZS\\" + name.folder);
+  if (const auto failure = makeFolders(folder)) {
+    tell(failure->text());
+    return kFailed;
+  }
+  return compilePostFile(source, realPath(folder + "\\" + name.name + ".pc"));
+}
+
 int decompilePostFile(const std::string& post, const std::string& source) {
   int exitCode = kDone;
   const auto read = readOrTell(post, exitCode);
@@ -147,11 +162,6 @@ int checkPostFile(const std::string& file) {
   for (const auto& text : advice) tell(file + ": note: " + text);
   std::printf("%s: %s\n", file.c_str(), summary(post).c_str());
   return exitCode;
-}
-
-int tryPost(const std::string& machine) {
-  tell(machine + ": `post try` needs the writers of ISO programs, which this version doesn't have yet");
-  return kFailed;
 }
 
 }  // namespace tarnex

@@ -12,8 +12,9 @@ int listPosts(bool json);
 int showPost(const std::string& machine);  // its source
 int compilePostFile(const std::string& source,
                     const std::string& post);  // nothing is written when there are faults
+// Into the install folder, as the post of this machine, FOLDER/NAME; a new folder is made.
+int compileMachine(const std::string& source, const std::string& machine);
 int decompilePostFile(const std::string& post, const std::string& source);
 int checkPostFile(const std::string& file);  // a source (.toml) or a post
-int tryPost(const std::string& machine);
 
 }  // namespace tarnex

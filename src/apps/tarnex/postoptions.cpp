@@ -8,13 +8,15 @@
 #include "apps/tarnex/conditions.h"
 #include "apps/tarnex/jobfile.h"
 #include "apps/tarnex/post.h"
+#include "apps/tarnex/posttry.h"
 
 namespace tarnex {
 
 namespace {
 
 struct Words {
-  std::string machine, source, file, drawing;
+  std::string machine, source, file;
+  PostTryOptions attempt;
   bool json = false;
   ConditionOptions conditions;
 };
@@ -30,8 +32,13 @@ void addPosts(CLI::App& app, const std::shared_ptr<Words>& w, int& exitCode) {
   show->callback([w, &exitCode] { exitCode = showPost(w->machine); });
   auto* compile = c->add_subcommand("compile", "A post from its source");
   compile->add_option("source", w->source, "TOML file")->required();
-  compile->add_option("-o,--output", w->file, "The post, NAME.pc")->required();
-  compile->callback([w, &exitCode] { exitCode = compilePostFile(w->source, w->file); });
+  auto* into = compile->add_option_group("into")->require_option(1);
+  into->add_option("-o,--output", w->file, "The post, NAME.pc");
+  into->add_option("--as", w->machine, "FOLDER/NAME: the post of that machine in the install folder");
+  compile->callback([w, &exitCode] {
+    exitCode =
+        w->machine.empty() ? compilePostFile(w->source, w->file) : compileMachine(w->source, w->machine);
+  });
   auto* decompile = c->add_subcommand("decompile", "The source of a post");
   decompile->add_option("post", w->file, "NAME.pc, of any version")->required();
   decompile->add_option("-o,--output", w->source, "TOML file")->required();
@@ -39,10 +46,16 @@ void addPosts(CLI::App& app, const std::shared_ptr<Words>& w, int& exitCode) {
   auto* check = c->add_subcommand("check", "What is wrong with a post or its source");
   check->add_option("file", w->file, "NAME.pc or TOML file")->required();
   check->callback([w, &exitCode] { exitCode = checkPostFile(w->file); });
-  auto* attempt = c->add_subcommand("try", "A sample's program with this post");
-  attempt->add_option("machine", w->machine, "FOLDER/NAME")->required();
-  attempt->add_option("drawing", w->drawing, "DXF file (none: the sample)");
-  attempt->callback([w, &exitCode] { exitCode = tryPost(w->machine); });
+  auto* attempt =
+      c->add_subcommand("try", "A sample's program with this post, and what has changed since the last try");
+  attempt->add_option("machine", w->attempt.machine, "FOLDER/NAME")->required();
+  attempt->add_option("drawing", w->attempt.drawing, "DXF file (none: the sample)");
+  attempt->add_option("--job", w->attempt.job, "Job file (TOML; none: the job that stands)");
+  attempt->add_option("--by", w->attempt.by, "figure or pass")->check(CLI::IsMember({"figure", "pass"}));
+  attempt->add_option("--set", w->attempt.sets, "A setting for this program: KEY=VALUE")
+      ->allow_extra_args(false);
+  attempt->add_flag("--json", w->attempt.json, "As JSON");
+  attempt->callback([w, &exitCode] { exitCode = tryPost(w->attempt); });
 }
 
 void addJobs(CLI::App& app, const std::shared_ptr<Words>& w, int& exitCode) {

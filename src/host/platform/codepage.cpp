@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <cstring>
 #include <utility>
 
 namespace tarnex {
@@ -14,8 +15,25 @@ namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
 
+bool isPlain(char c) {
+  return static_cast<unsigned char>(c) < 0x80;
+}
+
 bool isAscii(std::string_view bytes) {
-  return std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  constexpr std::uint64_t kHighBits = 0x8080808080808080;
+  for (std::uint64_t eight = 0; bytes.size() >= sizeof eight; bytes.remove_prefix(sizeof eight)) {
+    std::memcpy(&eight, bytes.data(), sizeof eight);
+    if ((eight & kHighBits) != 0) return false;
+  }
+  return std::all_of(bytes.begin(), bytes.end(), isPlain);
+}
+
+// The start of `in` that is ASCII, or that isn't; it is taken off.
+std::string_view takeRun(std::string_view& in, bool plain) {
+  const auto end = std::find_if(in.begin(), in.end(), [plain](char c) { return isPlain(c) != plain; });
+  const auto run = in.substr(0, static_cast<std::size_t>(end - in.begin()));
+  in.remove_prefix(run.size());
+  return run;
 }
 
 // Pages whose bytes below 0x80 are ASCII on their own, so that plain texts need no conversion.
@@ -119,14 +137,20 @@ std::string toUtf8(std::string_view bytes, const std::string& page, bool* damage
 std::string fromUtf8(std::string_view utf8, const std::string& page, bool* lossy) {
   bool lost = false;
   std::string out;
-  if (keepsAscii(page) && isAscii(utf8)) {
+  const bool plainStays = keepsAscii(page);
+  if (plainStays && isAscii(utf8)) {
     out = utf8;
   } else if (Conversion conversion(page, "UTF-8"); conversion.ok()) {
-    for (conversion.run(utf8, out); !utf8.empty(); conversion.run(utf8, out)) {
-      std::string_view question = "?";
-      conversion.run(question, out);
-      utf8.remove_prefix(std::max<std::size_t>(characterLength(utf8, 0), 1));
-      lost = true;
+    while (!utf8.empty()) {
+      // Programs and drawings are plain for the most part, and copying is quick.
+      if (plainStays) out += takeRun(utf8, true);
+      std::string_view run = plainStays ? takeRun(utf8, false) : std::exchange(utf8, {});
+      for (conversion.run(run, out); !run.empty(); conversion.run(run, out)) {
+        std::string_view question = "?";
+        conversion.run(question, out);
+        run.remove_prefix(std::max<std::size_t>(characterLength(run, 0), 1));
+        lost = true;
+      }
     }
     conversion.finish(out);
   } else {
@@ -136,8 +160,10 @@ std::string fromUtf8(std::string_view utf8, const std::string& page, bool* lossy
   return out;
 }
 
-std::string convertedFromUtf8(std::string utf8, const std::string& page) {
-  return keepsAscii(page) && isAscii(utf8) ? std::move(utf8) : fromUtf8(utf8, page);
+std::string convertedFromUtf8(std::string utf8, const std::string& page, bool* lossy) {
+  if (!keepsAscii(page) || !isAscii(utf8)) return fromUtf8(utf8, page, lossy);
+  if (lossy) *lossy = false;
+  return utf8;
 }
 
 bool isUtf8(std::string_view bytes) {

@@ -13,7 +13,7 @@ namespace tarnex {
 // Characters that the page lacks become '?' and set `lossy`.
 [[nodiscard]] std::string fromUtf8(std::string_view utf8, const std::string& page, bool* lossy = nullptr);
 // The same of a long text that is given away: where its bytes stay as they are, it isn't copied.
-[[nodiscard]] std::string convertedFromUtf8(std::string utf8, const std::string& page);
+[[nodiscard]] std::string convertedFromUtf8(std::string utf8, const std::string& page, bool* lossy = nullptr);
 [[nodiscard]] bool isUtf8(std::string_view bytes);
 [[nodiscard]] bool isKnownCodePage(const std::string& page);
 
