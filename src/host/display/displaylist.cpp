@@ -8,13 +8,16 @@
 
 #include "host/database/linetypes.h"
 #include "host/display/shape.h"
+#include "host/platform/memory.h"
 
 namespace tarnex {
 
 namespace {
 
-// So many entities of a large drawing tell how much room all of them take.
-constexpr std::size_t kSample = 64, kLarge = 256;
+// One entity in so many of a large drawing tells how much room all of them take.
+constexpr std::size_t kLarge = 1024, kSampleShare = 64, kMostSampled = 256;
+constexpr double kSpareRoom = 1.1;                            // a sample is no count
+constexpr std::size_t kMostReserved = std::size_t{1} << 30;   // bytes; a sample may hold the one huge entity
 constexpr int kContinuous = 0, kByLayer = -1, kUnknown = -2;  // beside indices of patterns
 
 bool drawable(double v) {
@@ -22,6 +25,16 @@ bool drawable(double v) {
 }  // false for what is no number
 bool drawable(const AcGePoint3d& p) {
   return drawable(p.x) && drawable(p.y) && drawable(p.z);
+}
+
+// Millions of small things: the system's pages, met one by one, would cost as much as recording them.
+template <class T>
+void makeRoom(std::vector<T>& room, double count) {
+  const double held = std::min(count, static_cast<double>(kMostReserved / sizeof(T)));
+  const auto wanted = static_cast<std::size_t>(std::ceil(held));
+  if (wanted <= room.capacity()) return;
+  room.reserve(wanted);
+  expectFilled(room.data() + room.size(), (room.capacity() - room.size()) * sizeof(T));
 }
 
 bool sameName(std::string_view a, std::string_view b) {
@@ -53,7 +66,7 @@ void DisplayList::put(Primitive& look, ShapeKind kind, std::span<const AcGePoint
   look.kind = kind;
   look.first = static_cast<std::uint32_t>(points_.size());
   look.count = static_cast<std::uint32_t>(points.size());
-  points_.insert(points_.end(), points.begin(), points.end());
+  for (const AcGePoint3d& p : points) points_.push_back(p);  // mostly two or three
   primitives.push_back(look);
 }
 
@@ -78,18 +91,12 @@ void DisplayList::add(const Primitive& look, const DrawnShape& shape) {
   std::visit([&](const auto& s) { add(look, s); }, shape);
 }
 
-void DisplayList::reserveTimes(std::size_t times) {
-  primitives.reserve(primitives.size() * times);
-  points_.reserve(points_.size() * times);
-  texts_.reserve(texts_.size() * times);
-  letters_.reserve(letters_.size() * times);
-}
-
-void DisplayList::reserveAs(const DisplayList& other) {
-  primitives.reserve(other.primitives.size());
-  points_.reserve(other.points_.size());
-  texts_.reserve(other.texts_.size());
-  letters_.reserve(other.letters_.size());
+void DisplayList::reserveAs(const DisplayList& other, double times) {
+  makeRoom(primitives, times * static_cast<double>(other.primitives.size()));
+  makeRoom(points_, times * static_cast<double>(other.points_.size()));
+  makeRoom(texts_, times * static_cast<double>(other.texts_.size()));
+  const double letters = times * static_cast<double>(other.letters_.size());
+  letters_.reserve(static_cast<std::size_t>(std::min(letters, static_cast<double>(kMostReserved))));
 }
 
 double patternScaleOf(const AcDbDatabase& drawing) {
@@ -107,8 +114,20 @@ bool isListed(const AcDbDatabase& drawing, const AcDbEntity& entity, const Displ
   return !options.plottableOnly || !layer || layer->isPlottable();
 }
 
-void reserveBySample(DisplayList& list, std::size_t recorded, std::size_t count) {
-  if (recorded == kSample && count >= kLarge) list.reserveTimes(count / kSample + 2);
+// From all over the drawing, since kinds come in runs: first what was drawn, then the paths on it. The step
+// varies, since kinds also come in turn.
+void reserveFor(DisplayList& list, const AcDbDatabase& drawing, std::span<const AcDbObjectId> entities,
+                const DisplayOptions& options) {
+  if (entities.size() < kLarge) return;
+  const std::size_t count = std::min(entities.size() / kSampleShare, kMostSampled);
+  const std::size_t step = entities.size() / count;
+  DisplayList sample;
+  DisplayRecorder recorder(sample, &drawing, options.applicationContext);
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto* entity = drawing.peek<AcDbEntity>(entities[i * step + i % step]);
+    if (entity && isListed(drawing, *entity, options)) recorder.record(*entity);
+  }
+  list.reserveAs(sample, kSpareRoom * static_cast<double>(step));
 }
 
 DisplayList buildDisplayList(const AcDbDatabase& drawing, const DisplayOptions& options) {
@@ -116,10 +135,10 @@ DisplayList buildDisplayList(const AcDbDatabase& drawing, const DisplayOptions& 
   list.patternScale = patternScaleOf(drawing);
   DisplayRecorder recorder(list, &drawing, options.applicationContext);
   const auto ids = drawing.modelSpaceEntities();
-  for (std::size_t i = 0; i < ids.size(); ++i) {
-    const auto* entity = drawing.peek<AcDbEntity>(ids[i]);
+  reserveFor(list, drawing, ids, options);
+  for (const AcDbObjectId id : ids) {
+    const auto* entity = drawing.peek<AcDbEntity>(id);
     if (entity && isListed(drawing, *entity, options)) recorder.record(*entity);
-    reserveBySample(list, i + 1, ids.size());
   }
   return list;
 }

@@ -70,9 +70,8 @@ struct DisplayList {
   void add(Primitive look, const DrawnArc& s);
   void add(Primitive look, const DrawnText& s);
   void add(const Primitive& look, const DrawnShape& shape);
-  // Room for `times` what is there, so that a long list isn't moved about while it grows.
-  void reserveTimes(std::size_t times);
-  void reserveAs(const DisplayList& other);
+  // Room for `times` what another list holds, so that a long one isn't moved about while it grows.
+  void reserveAs(const DisplayList& other, double times = 1);
 
  private:
   struct Letters {
@@ -108,9 +107,9 @@ struct DisplayOptions {
 // LTSCALE; 1 when it is nothing that dashes could be scaled by.
 [[nodiscard]] double patternScaleOf(const AcDbDatabase& drawing);
 
-// For what records all `count` entities of a drawing: called after each, makes room for all of them once the
-// first have told how much they take.
-void reserveBySample(DisplayList& list, std::size_t recorded, std::size_t count);
+// For what is going to record these entities: makes room for them by what a few of a large drawing take.
+void reserveFor(DisplayList& list, const AcDbDatabase& drawing, std::span<const AcDbObjectId> entities,
+                const DisplayOptions& options);
 
 // Shown entities of model space in drawing order. The drawing stays as it is: a line type that an entity asks
 // for and the drawing lacks is taken from the host's own set.

@@ -91,10 +91,8 @@ void DisplayView::rebuild() {
   DisplayRecorder recorder(shapes_, &drawing_, options_.applicationContext);
   const auto ids = drawing_.modelSpaceEntities();
   pieces_.reserve(ids.size());
-  for (std::size_t i = 0; i < ids.size(); ++i) {
-    redraw(recorder, ids[i]);
-    reserveBySample(shapes_, i + 1, ids.size());
-  }
+  reserveFor(shapes_, drawing_, ids, options_);
+  for (const AcDbObjectId id : ids) redraw(recorder, id);
 }
 
 // Ids grow in drawing order, so a new entity mostly goes to the end; one that was taken away and came back

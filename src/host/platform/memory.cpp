@@ -25,6 +25,13 @@ constexpr int kOwnMapping = 1 << 20;                    // blocks from here on d
 
 }  // namespace
 
+void expectFilled(void* block, std::size_t bytes) {
+  const auto begin = reinterpret_cast<std::uintptr_t>(block);
+  const auto from = (begin + kLargePage - 1) / kLargePage * kLargePage;
+  const auto to = (begin + bytes) / kLargePage * kLargePage;  // a page that others share stays as it is
+  if (from < to) (void)madvise(reinterpret_cast<void*>(from), to - from, MADV_HUGEPAGE);
+}
+
 void expectObjects(std::size_t bytes) {
   if (bytes < kWorthwhile) return;
   bytes = std::min(bytes, kLargest);
@@ -34,15 +41,14 @@ void expectObjects(std::size_t bytes) {
   void* block = std::malloc(bytes - kLargePage);
   mallopt(M_MMAP_THRESHOLD, kOwnMapping);
   if (!block) return;
-  const auto from = (reinterpret_cast<std::uintptr_t>(block) + kLargePage - 1) / kLargePage * kLargePage;
-  const auto to = (reinterpret_cast<std::uintptr_t>(block) + bytes - kLargePage) / kLargePage * kLargePage;
-  if (from < to) (void)madvise(reinterpret_cast<void*>(from), to - from, MADV_HUGEPAGE);
+  expectFilled(block, bytes - kLargePage);
   std::free(block);
 }
 
 #else
 
 void expectObjects(std::size_t) {}
+void expectFilled(void*, std::size_t) {}
 
 #endif
 

@@ -11,4 +11,8 @@ namespace tarnex {
 // in random order. Memory counts as taken only when it is used. Nothing is promised, and nothing fails.
 void expectObjects(std::size_t bytes);
 
+// A block of so many bytes is going to be filled from end to end: where it is large it gets large pages. Of
+// no use when it has been written to already.
+void expectFilled(void* block, std::size_t bytes);
+
 }  // namespace tarnex
