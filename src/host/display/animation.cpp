@@ -222,7 +222,9 @@ void AnimationWriter::still() {
   SvgPath path(grid_);
   const auto flush = [&] {
     if (path.data().empty()) return;
-    sink_("<path d=\"" + path.data() + "\"/>\n");
+    sink_("<path d=\"");
+    sink_(path.data());
+    sink_("\"/>\n");
     path.clear();
   };
   // A large one as a layer of its own, which a browser doesn't draw anew in every frame.
@@ -270,7 +272,7 @@ void AnimationWriter::walk(const AnimatedLine& line, SvgPath& path) const {
 
 void AnimationWriter::element(const std::string& attributes, const SvgPath& path,
                               const std::string& animate) {
-  sink_("<path " + attributes + " d=\"" + path.data() + "\"><animate " + animate + duration() +
+  sink_("<path " + attributes + " d=\"" + std::string(path.data()) + "\"><animate " + animate + duration() +
         "/></path>\n");
 }
 

@@ -47,19 +47,7 @@ bool sameName(std::string_view a, std::string_view b) {
 // ---- the list
 
 DrawnShape DisplayList::shapeOf(const Primitive& p) const {
-  switch (p.kind) {
-    case ShapeKind::kPolyline:
-      return DrawnPolyline{std::span(points_).subspan(p.first, p.count)};
-    case ShapeKind::kCircle:
-      return DrawnCircle{points_[p.first], points_[p.first + 1].x};
-    case ShapeKind::kArc:
-      return DrawnArc{points_[p.first], points_[p.first + 1], points_[p.first + 2]};
-    case ShapeKind::kText:
-      break;
-  }
-  const Letters& text = texts_[p.first];
-  return DrawnText{text.position, text.direction, text.height,
-                   std::string_view(letters_).substr(text.at, text.size)};
+  return visit(p, [](const auto& shape) { return DrawnShape{shape}; });
 }
 
 void DisplayList::put(Primitive& look, ShapeKind kind, std::span<const AcGePoint3d> points) {

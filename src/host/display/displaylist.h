@@ -63,6 +63,9 @@ struct DisplayList {
   std::size_t dropped = 0;  // primitives left out: a number isn't finite, or beyond kFarthestDrawn
 
   [[nodiscard]] DrawnShape shapeOf(const Primitive& p) const;
+  // Calls `what` with the Drawn... of its kind.
+  template <class What>
+  decltype(auto) visit(const Primitive& p, What&& what) const;
   // Appends a primitive that looks like `look`; the list's extents are the caller's matter. A shape of this
   // very list can't be given.
   void add(Primitive look, const DrawnPolyline& s);
@@ -85,6 +88,23 @@ struct DisplayList {
   std::vector<Letters> texts_;
   std::string letters_;
 };
+
+template <class What>
+decltype(auto) DisplayList::visit(const Primitive& p, What&& what) const {
+  switch (p.kind) {
+    case ShapeKind::kPolyline:
+      return what(DrawnPolyline{std::span(points_).subspan(p.first, p.count)});
+    case ShapeKind::kCircle:
+      return what(DrawnCircle{points_[p.first], points_[p.first + 1].x});
+    case ShapeKind::kArc:
+      return what(DrawnArc{points_[p.first], points_[p.first + 1], points_[p.first + 2]});
+    case ShapeKind::kText:
+      break;
+  }
+  const Letters& text = texts_[p.first];
+  return what(DrawnText{text.position, text.direction, text.height,
+                        std::string_view(letters_).substr(text.at, text.size)});
+}
 
 inline constexpr double kFarthestDrawn = 1e12;  // mm
 

@@ -15,6 +15,7 @@ constexpr double kLineStep = 1.4;    // of the height
 constexpr double kBehind = 0.3;      // of the height, from a text's end to the point that it stands left of
 constexpr double kCellOfHeight = 4;  // a number is a cell or two
 constexpr double kMostCells = 1000;  // a text of more is no label
+constexpr std::size_t kFirstChains = 256;
 constexpr double kFarthestCell = 1e9;
 
 // Lines up and widths to the left.
@@ -39,21 +40,35 @@ void Labels::cellsOf(const Extents2d& box, Visit visit) const {
             static_cast<std::uint32_t>(static_cast<std::int64_t>(y)));
 }
 
+std::size_t Labels::chainOf(std::uint64_t cell) const {
+  return cell * 0x9E3779B97F4A7C15U >> 32 & (chains_.size() - 1);
+}
+
 bool Labels::isFree(const Extents2d& box) const {
   bool free = true;
-  cellsOf(box, [&](std::uint64_t cell) {
-    const auto there = cells_.find(cell);
-    if (!free || there == cells_.end()) return;
-    free = std::none_of(there->second.begin(), there->second.end(),
-                        [&](std::uint32_t other) { return taken_[other].overlaps(box); });
-  });
+  if (!chains_.empty())
+    cellsOf(box, [&](std::uint64_t cell) {
+      for (std::uint32_t at = chains_[chainOf(cell)]; free && at != 0; at = links_[at - 1].next)
+        free = links_[at - 1].cell != cell || !taken_[links_[at - 1].box].overlaps(box);
+    });
   return free;
+}
+
+void Labels::hang(std::uint32_t link) {
+  std::uint32_t& first = chains_[chainOf(links_[link - 1].cell)];
+  links_[link - 1].next = first;
+  first = link;
 }
 
 void Labels::take(const Extents2d& box) {
   const auto index = static_cast<std::uint32_t>(taken_.size());
   taken_.push_back(box);
-  cellsOf(box, [&](std::uint64_t cell) { cells_[cell].push_back(index); });
+  cellsOf(box, [&](std::uint64_t cell) {
+    links_.push_back({cell, index, 0});
+    if (links_.size() <= chains_.size()) return hang(static_cast<std::uint32_t>(links_.size()));
+    chains_.assign(std::max(kFirstChains, 2 * chains_.size()), 0);
+    for (std::uint32_t i = 1; i <= links_.size(); ++i) hang(i);
+  });
 }
 
 DrawnText Labels::placed(const DrawnText& text) {

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <unordered_map>
 #include <vector>
 
 #include "host/display/displaylist.h"
@@ -18,14 +17,22 @@ class Labels {
   [[nodiscard]] DrawnText placed(const DrawnText& text);
 
  private:
+  // The boxes that touch a cell hang on a chain, which they share with the cells of the same remainder.
+  struct Link {
+    std::uint64_t cell = 0;
+    std::uint32_t box = 0, next = 0;  // next: 1 and up, 0 ends the chain
+  };
   [[nodiscard]] bool isFree(const Extents2d& box) const;
   void take(const Extents2d& box);
+  void hang(std::uint32_t link);
+  [[nodiscard]] std::size_t chainOf(std::uint64_t cell) const;
   template <class Visit>
   void cellsOf(const Extents2d& box, Visit visit) const;
 
   double cell_ = 0;  // mm
   std::vector<Extents2d> taken_;
-  std::unordered_map<std::uint64_t, std::vector<std::uint32_t>> cells_;  // which boxes touch a cell
+  std::vector<Link> links_;
+  std::vector<std::uint32_t> chains_;  // their first links; a power of two of them
 };
 
 }  // namespace tarnex

@@ -154,13 +154,15 @@ void paintShapes(const DisplayList& list, const Projection& view, const Extents2
   const bool plan = view.isPlan(), all = plan && shown.contains(list.extents);
   Walk walk(view, painter);
   Pens pens(painter);
+  const auto isSeen = [&](const auto& shape) {
+    return (plan ? extentsOf(shape) : seenExtents(view, DrawnShape{shape})).overlaps(shown);
+  };
   for (std::size_t i = first; i < last; ++i) {
     const Primitive& p = list.primitives[i];
     if (isLabel(p)) continue;
-    const DrawnShape shape = list.shapeOf(p);
-    if (!all && !(plan ? extentsOf(shape) : seenExtents(view, shape)).overlaps(shown)) continue;
+    if (!all && !list.visit(p, isSeen)) continue;
     pens.take(p);
-    std::visit(walk, shape);
+    list.visit(p, walk);
   }
 }
 

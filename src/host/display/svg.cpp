@@ -21,9 +21,9 @@ namespace {
 
 using Sink = std::function<void(std::string_view)>;
 
-constexpr std::size_t kPart = 1 << 14;  // primitives that one worker writes in one go
+constexpr std::size_t kPart = 1 << 12;       // primitives that one worker writes in one go
+constexpr std::size_t kLettersOfShape = 28;  // about
 constexpr unsigned kMostWorkers = 8;
-constexpr std::size_t kPiece = 1 << 18;       // bytes handed on at a time
 constexpr std::size_t kLongestPath = 30'000;  // letters; readers of XML set limits to an attribute
 constexpr double kCapitals = 0.72;            // height of capitals in sizes of the usual sans-serif fonts
 constexpr double kPixelsPerMm = 96 / 25.4;    // the unit of style sheets
@@ -58,19 +58,19 @@ int decimalsFor(double scale) {
 
 class SvgPainter final : public Painter {
  public:
-  SvgPainter(const DisplayList& list, const SvgOptions& options, const Page& page, const Sink& sink)
+  SvgPainter(const DisplayList& list, const SvgOptions& options, const Page& page, std::size_t shapes = 0)
       : list_(list),
         options_(options),
         page_(page),
-        sink_(sink),
         grid_{{page.shown.low.x, page.shown.high.y}, decimalsFor(page.scale)},
-        path_(grid_) {}
+        path_(grid_) {
+    out_.reserve(shapes * kLettersOfShape);
+  }
 
   void begin();
   void end() {
     flush();
     out_ += "</g>\n</svg>\n";
-    sink_(out_);
   }
   // What was painted, for a picture that is made in parts.
   std::string takePart() {
@@ -113,18 +113,10 @@ class SvgPainter final : public Painter {
     if (path_.data().empty()) return;
     out_ += "<path stroke=\"";
     out_ += *color_;
-    out_ += '"';
     out_ += *dashes_;
-    out_ += " d=\"";
     out_ += path_.data();
     out_ += "\"/>\n";
     path_.clear();
-    passOn();
-  }
-  void passOn() {
-    if (out_.size() < kPiece || !sink_) return;
-    sink_(out_);
-    out_.clear();
   }
   void count(long long steps) { appendCount(out_, steps, grid_.decimals); }
   [[nodiscard]] std::string mm(double v) const {
@@ -139,7 +131,8 @@ class SvgPainter final : public Painter {
     return text;
   }
   const std::string& dashesOf(std::size_t pattern) {
-    while (patterns_.size() <= pattern) patterns_.push_back(dashAttribute(list_.patterns[patterns_.size()]));
+    while (patterns_.size() <= pattern)
+      patterns_.push_back('"' + dashAttribute(list_.patterns[patterns_.size()]) + " d=\"");
     return patterns_[pattern];
   }
   [[nodiscard]] std::string dashAttribute(const LinePattern& pattern) const;
@@ -147,12 +140,11 @@ class SvgPainter final : public Painter {
   const DisplayList& list_;
   const SvgOptions& options_;
   const Page& page_;
-  const Sink& sink_;
   Grid grid_;
   SvgPath path_;
   std::string out_;
   std::array<std::string, 256> colors_;
-  std::deque<std::string> patterns_;
+  std::deque<std::string> patterns_;  // the end of a colour and all up to the path's data
   const std::string *color_ = nullptr, *dashes_ = nullptr;
 };
 
@@ -209,7 +201,6 @@ void SvgPainter::text(const DrawnText& text) {
   out_ += '>';
   appendEscaped(out_, text.utf8);
   out_ += "</text>\n";
-  passOn();
 }
 
 // Where the parts of a large picture begin, and its end: between entities, so that no line is broken up. They
@@ -225,22 +216,39 @@ std::vector<std::size_t> partsOf(const DisplayList& list) {
   return begins;
 }
 
-// Several workers write the parts, the caller hands them on in their order.
+std::string headOf(const DisplayList& list, const SvgOptions& options, const Page& page) {
+  SvgPainter painter(list, options, page);
+  painter.begin();
+  return painter.takePart();
+}
+
+std::string labelsAndEnd(const DisplayList& list, const SvgOptions& options, const Page& page) {
+  SvgPainter painter(list, options, page);
+  paintLabels(list, options.view, page.shown, painter);
+  painter.end();
+  return painter.takePart();
+}
+
+// Several workers write the parts, the caller hands them on in their order. The labels are begun first,
+// though they stand last: they can't be parted.
 void drawParts(const DisplayList& list, const SvgOptions& options, const Page& page, const Sink& sink) {
   const auto begins = partsOf(list);
-  const std::size_t count = begins.size() - 1;
+  const std::size_t count = begins.size();  // of parts, the labels among them
   std::vector<std::promise<std::string>> parts(count);
   std::atomic<std::size_t> next{0};
   const auto work = [&] {
-    const Sink none;
     for (std::size_t i; (i = next++) < count;) {
-      SvgPainter painter(list, options, page, none);
-      paintShapes(list, options.view, page.shown, begins[i], begins[i + 1], painter);
-      parts[i].set_value(painter.takePart());
+      if (i == 0) {
+        parts.back().set_value(labelsAndEnd(list, options, page));
+        continue;
+      }
+      SvgPainter painter(list, options, page, begins[i] - begins[i - 1]);
+      paintShapes(list, options.view, page.shown, begins[i - 1], begins[i], painter);
+      parts[i - 1].set_value(painter.takePart());
     }
   };
   std::vector<std::jthread> workers;
-  if (count > 1)
+  if (count > 2)
     for (unsigned i = 0; i < std::clamp(std::thread::hardware_concurrency(), 1U, kMostWorkers); ++i)
       workers.emplace_back(work);
   else
@@ -252,14 +260,8 @@ void drawParts(const DisplayList& list, const SvgOptions& options, const Page& p
 
 void drawSvg(const DisplayList& list, const SvgOptions& options, const Sink& sink) {
   const Page page = layoutPage(list, options);
-  const Sink none;
-  SvgPainter head(list, options, page, none);
-  head.begin();
-  sink(head.takePart());
+  sink(headOf(list, options, page));
   drawParts(list, options, page, sink);
-  SvgPainter labels(list, options, page, sink);
-  paintLabels(list, options.view, page.shown, labels);
-  labels.end();
 }
 
 std::string svgText(const DisplayList& list, const SvgOptions& options) {

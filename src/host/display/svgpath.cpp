@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 
 namespace tarnex {
 
@@ -19,67 +20,111 @@ const double kLongestFlatPiece = kPi / 3;  // of an ellipse, whose narrow ends m
 // tangents is nearer than a millionth of its height.
 constexpr double kShallow = 1e-3;  // radians
 
+constexpr double kLeastHeight = 0.5;  // of an arc, steps: what is flatter is a line
+
 constexpr int kTurnDecimals = 6;  // of a degree
 constexpr double kTurnSteps = 1e6;
 
 constexpr double kSteps[] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};  // by decimals
+constexpr unsigned long long kUnits[] = {1,       10,        100,        1'000,       10'000,
+                                         100'000, 1'000'000, 10'000'000, 100'000'000, 1'000'000'000};
 
 // Halves away from zero. Every caller's numbers lie far inside of what a double counts exactly.
 long long held(double steps) {
   const double kept = std::clamp(steps, -kMostSteps, kMostSteps);
-  return static_cast<long long>(kept + (kept < 0 ? -0.5 : 0.5));
+  return static_cast<long long>(kept + std::copysign(0.5, kept));
 }
 
 constexpr std::size_t kLongestNumber = 28;
+constexpr std::size_t kLongestPlain = 100, kMostNumbers = 4;  // of a command
 
-// A short number of whole digits.
-char* writeDigits(char* at, unsigned long long v) {
-  return std::to_chars(at, at + kLongestNumber, v).ptr;
+// The numbers below a thousand in letters: as they are, and as three digits without the zeros at their end.
+struct Letters {
+  char text[3] = {'0', '0', '0'};
+  unsigned char size = 0;
+};
+struct Thousand {
+  Letters whole[1000], fraction[1000];
+};
+constexpr Thousand thousand() {
+  Thousand all;
+  for (int i = 0; i < 1000; ++i) {
+    const char digits[] = {static_cast<char>('0' + i / 100), static_cast<char>('0' + i / 10 % 10),
+                           static_cast<char>('0' + i % 10)};
+    const int zeros = i >= 100 ? 0 : i >= 10 ? 1 : 2;
+    for (int k = zeros; k < 3; ++k) all.whole[i].text[k - zeros] = digits[k];
+    all.whole[i].size = static_cast<unsigned char>(3 - zeros);
+    for (int k = 0; k < 3; ++k) all.fraction[i].text[k] = digits[k];
+    all.fraction[i].size = i % 10 != 0 ? 3 : i % 100 != 0 ? 2 : i != 0 ? 1 : 0;
+  }
+  return all;
+}
+constexpr Thousand kThousand = thousand();
+
+// The letters behind the last one are overwritten by what comes next.
+char* put(char* at, const Letters& letters) {
+  std::memcpy(at, &letters, sizeof letters);
+  return at + letters.size;
 }
 
-// The digits behind the point without the zeros at their end; v is below 10^decimals.
-char* writeFraction(char* at, unsigned long long v, int decimals) {
+// What nearly all numbers are: three decimals and below 1000. Signs and zeros come as they like, so nothing
+// here is asked that a processor would have to guess.
+char* writeSmall(char* at, unsigned size) {
+  const unsigned whole = size / 1000, rest = size % 1000;
+  char* const begin = at;
+  at = put(at, kThousand.whole[whole]);
+  at = whole == 0 && rest != 0 ? begin : at;
+  *at = '.';
+  at += rest != 0;
+  return put(at, kThousand.fraction[rest]);
+}
+
+char* writeLarge(char* at, unsigned long long size, int decimals) {
+  const unsigned long long whole = size / kUnits[decimals];
+  unsigned long long rest = size % kUnits[decimals];
+  if (whole != 0 || rest == 0) at = std::to_chars(at, at + kLongestNumber, whole).ptr;
+  if (rest == 0) return at;
+  *at++ = '.';
   char* const end = at + decimals;
-  for (char* digit = end; digit != at; v /= 10) *--digit = static_cast<char>('0' + v % 10);
-  char* last = end;
-  while (last[-1] == '0') --last;
-  return last;
+  for (char* digit = end; digit != at; rest /= 10) *--digit = static_cast<char>('0' + rest % 10);
+  for (at = end; at[-1] == '0'; --at) {
+  }
+  return at;
 }
 
 char* writeCount(char* at, long long count, int decimals) {
-  if (count < 0) *at++ = '-';
+  *at = '-';
+  at += count < 0;
   const auto size = static_cast<unsigned long long>(count < 0 ? -count : count);
-  // Nearly all pages have three or four decimals, and a division by a constant is a multiplication.
-  const auto unit = static_cast<unsigned long long>(kSteps[decimals]);
-  const unsigned long long whole = decimals == 3 ? size / 1000 : decimals == 4 ? size / 10000 : size / unit;
-  const unsigned long long rest = size - whole * unit;
-  if (whole != 0 || rest == 0) at = writeDigits(at, whole);
-  if (rest == 0) return at;
-  *at++ = '.';
-  return writeFraction(at, rest, decimals);
+  return decimals == 3 && size < 1'000'000 ? writeSmall(at, static_cast<unsigned>(size))
+                                           : writeLarge(at, size, decimals);
 }
 
-// One command of a path: letter, numbers, in as few letters as can be.
+// One command of a path: letter, numbers, in as few letters as can be. `at` has room for the longest.
 class Command {
  public:
-  Command(char letter, const Grid& grid) : decimals_(grid.decimals) { *at_++ = letter; }
+  Command(char* at, char letter, const Grid& grid) : at_(at), decimals_(grid.decimals) { *at_++ = letter; }
   Command& number(long long count) {
-    if (count >= 0 && ((at_[-1] >= '0' && at_[-1] <= '9') || at_[-1] == '.')) *at_++ = ' ';
+    *at_ = ' ';
+    at_ += count >= 0 && afterNumber_;
     at_ = writeCount(at_, count, decimals_);
+    afterNumber_ = true;
     return *this;
   }
-  Command& plain(std::string_view text) {
-    at_ += text.copy(at_, kLongestPlain);
+  Command& plain(std::string_view numbers) {
+    at_ += numbers.copy(at_, kLongestPlain);
+    afterNumber_ = true;
     return *this;
   }
-  void appendTo(std::string& data) const { data.append(room_, static_cast<std::size_t>(at_ - room_)); }
+  [[nodiscard]] const char* end() const { return at_; }
 
  private:
-  static constexpr std::size_t kLongestPlain = 100, kMostNumbers = 4;
-  char room_[1 + kLongestPlain + kMostNumbers * (kLongestNumber + 1)];
-  char* at_ = room_;
+  char* at_;
   int decimals_;
+  bool afterNumber_ = false;
 };
+
+static_assert(SvgPath::kLongestCommand >= 1 + kLongestPlain + kMostNumbers * (kLongestNumber + 1));
 
 }  // namespace
 
@@ -99,9 +144,9 @@ void SvgPath::moveTo(AcGePoint2d p) {
   exactAt_ = p;
   const GridPoint to = grid_.at(p);
   if (open_ && to == at_) return;
-  const GridPoint from = data_.empty() ? GridPoint{} : at_;
-  Command move(data_.empty() ? 'M' : 'm', grid_);
-  move.number(to.x - from.x).number(to.y - from.y).appendTo(data_);
+  const GridPoint from = used_ == 0 ? GridPoint{} : at_;
+  Command move(roomForCommand(), used_ == 0 ? 'M' : 'm', grid_);
+  endCommand(move.number(to.x - from.x).number(to.y - from.y).end());
   start_ = at_ = to;
   steps_ = 0;
   open_ = true;
@@ -116,12 +161,10 @@ void SvgPath::lineTo(AcGePoint2d p) {
   exactAt_ = p;
   const GridPoint to = grid_.at(p);
   if (to == at_) return;
-  if (to.y == at_.y)
-    Command('h', grid_).number(to.x - at_.x).appendTo(data_);
-  else if (to.x == at_.x)
-    Command('v', grid_).number(to.y - at_.y).appendTo(data_);
-  else
-    Command('l', grid_).number(to.x - at_.x).number(to.y - at_.y).appendTo(data_);
+  Command line(roomForCommand(), to.y == at_.y ? 'h' : to.x == at_.x ? 'v' : 'l', grid_);
+  if (to.x != at_.x) line.number(to.x - at_.x);
+  if (to.y != at_.y) line.number(to.y - at_.y);
+  endCommand(line.end());
   stepTo(to);
 }
 
@@ -129,9 +172,9 @@ void SvgPath::lineTo(AcGePoint2d p) {
 // direction.
 void SvgPath::arcStep(double radius, bool clockwise, GridPoint to) {
   const long long r = grid_.count(radius);
-  Command arc('a', grid_);
+  Command arc(roomForCommand(), 'a', grid_);
   arc.number(r).number(r).plain(clockwise ? " 0 0 1" : " 0 0 0").number(to.x - at_.x).number(to.y - at_.y);
-  arc.appendTo(data_);
+  endCommand(arc.end());
   stepTo(to);
 }
 
@@ -141,7 +184,7 @@ bool SvgPath::shortArcTo(double radius, AcGeVector2d half, AcGePoint2d end) {
   if (!(half.x > 0 && bend <= kLongest * half.x && bend > kShallow * half.x)) return false;
   const GridPoint p = grid_.at(end);
   const double height = radius * (1 - half.x / half.length());
-  if (p == at_ || height * grid_.steps() < 0.5) return false;
+  if (p == at_ || height * grid_.steps() < kLeastHeight) return false;
   arcStep(radius, half.y < 0, p);
   exactAt_ = end;
   return true;
@@ -160,7 +203,7 @@ void SvgPath::arcTo(const ArcCurve& arc, AcGePoint2d end) {
 void SvgPath::arcPiece(const ArcCurve& piece, AcGePoint2d from, AcGePoint2d to) {
   const GridPoint p = grid_.at(to);
   const double height = 2 * piece.radius * std::pow(std::sin(piece.sweep / 4), 2);
-  if (p == at_ || height * grid_.steps() < 0.5) {
+  if (p == at_ || height * grid_.steps() < kLeastHeight) {
     lineTo(to);
     return;
   }
@@ -171,8 +214,9 @@ void SvgPath::arcPiece(const ArcCurve& piece, AcGePoint2d from, AcGePoint2d to) 
   }
   const AcGeVector2d bow = (to - from).perpVector() * (std::tan(piece.sweep / 2) / 2);
   const GridPoint tip = grid_.at(midpoint(from, to) - bow);
-  Command curve('q', grid_);
-  curve.number(tip.x - at_.x).number(tip.y - at_.y).number(p.x - at_.x).number(p.y - at_.y).appendTo(data_);
+  Command curve(roomForCommand(), 'q', grid_);
+  curve.number(tip.x - at_.x).number(tip.y - at_.y).number(p.x - at_.x).number(p.y - at_.y);
+  endCommand(curve.end());
   stepTo(p);
 }
 
@@ -199,7 +243,8 @@ void SvgPath::ellipse(const EllipseCurve& curve) {
     const AcGePoint2d end = pointAtParam(whole, curve.startParam + curve.sweep * i / pieces);
     const GridPoint p = grid_.at(end);
     if (p == at_) continue;
-    Command('a', grid_).plain(axes).number(p.x - at_.x).number(p.y - at_.y).appendTo(data_);
+    Command arc(roomForCommand(), 'a', grid_);
+    endCommand(arc.plain(axes).number(p.x - at_.x).number(p.y - at_.y).end());
     exactAt_ = end;
     stepTo(p);
   }
@@ -207,17 +252,21 @@ void SvgPath::ellipse(const EllipseCurve& curve) {
 }
 
 void SvgPath::finishShape() {
-  if (open_ && steps_ == 0) {
-    data_ += "h0";
+  if (!open_) return;
+  char* at = roomForCommand();
+  if (steps_ == 0) {
+    *at++ = 'h';
+    *at++ = '0';
     open_ = false;
-  } else if (open_ && steps_ > 1 && at_ == start_) {
-    data_ += 'z';
+  } else if (steps_ > 1 && at_ == start_) {
+    *at++ = 'z';
     open_ = false;
   }
+  endCommand(at);
 }
 
 void SvgPath::clear() {
-  data_.clear();
+  used_ = 0;
   open_ = false;
 }
 

@@ -4,6 +4,8 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "host/geometry/curves.h"
 
@@ -39,16 +41,24 @@ class SvgPath {
   void circle(AcGePoint2d centre, double radius);
   void ellipse(const EllipseCurve& curve);  // an arc of it or the whole
   void finishShape();  // closes the line where it came back to its start; what drew nothing becomes a dot
-  [[nodiscard]] const std::string& data() const { return data_; }
+  [[nodiscard]] std::string_view data() const { return {room_.data(), used_}; }  // until the next change
   void clear();
 
+  static constexpr std::size_t kLongestCommand = 256;  // letters
+
  private:
+  [[nodiscard]] char* roomForCommand() {
+    if (used_ + kLongestCommand > room_.size()) room_.resize(2 * (room_.size() + kLongestCommand));
+    return room_.data() + used_;
+  }
+  void endCommand(const char* end) { used_ = static_cast<std::size_t>(end - room_.data()); }
   void stepTo(GridPoint p);
   void arcStep(double radius, bool clockwise, GridPoint to);
   void arcPiece(const ArcCurve& piece, AcGePoint2d from, AcGePoint2d to);
 
   Grid grid_;
-  std::string data_;
+  std::vector<char> room_;  // the data stands at its beginning
+  std::size_t used_ = 0;
   GridPoint start_, at_;
   AcGePoint2d exactAt_;
   int steps_ = 0;      // of the running line

@@ -169,6 +169,23 @@ TEST(DisplayList, ARayCountsWithItsStartInTheExtents) {
   EXPECT_EQ(list.extents, (Extents2d{{0, 0}, {10, 4}}));
 }
 
+// Entities of a large drawing are looked at beforehand, to make room for all.
+TEST(DisplayList, EveryEntityOfALargeDrawingOnceInItsOrder) {
+  AcDbDatabase drawing;
+  const int count = 3000;
+  for (int i = 0; i < count; ++i) addLine(drawing, i % 100 == 7 ? std::nan("") : i);
+  const DisplayList list = buildDisplayList(drawing);
+  ASSERT_EQ(list.primitives.size(), 2970u);
+  EXPECT_EQ(list.dropped, 30u);
+  double before = -1;
+  for (const Primitive& p : list.primitives) {
+    const double y = std::get<DrawnPolyline>(list.shapeOf(p)).points[1].y;
+    ASSERT_GT(y, before);
+    before = y;
+  }
+  EXPECT_EQ(list.extents, (Extents2d{{0, 0}, {10, 2999}}));
+}
+
 TEST(DisplayList, TheApplicationsContextReachesTheEntity) {
   const int given = 1;
   const void* seen = nullptr;

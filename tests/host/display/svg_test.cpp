@@ -9,6 +9,7 @@
 #include <random>
 
 #include "displaylists.h"
+#include "host/display/svgpath.h"
 #include "svgreader.h"
 
 namespace tarnex {
@@ -48,6 +49,33 @@ TEST(SvgPath, LinesAndCircles) {
   EXPECT_EQ(pathData({line({{0, 0, 0}, {10, 0, 0}}), line({{10, 0, 0}, {10, 10, 0}}),
                       line({{9, 9, 0}, {8, 9, 0}})}),
             "M0 100h10v-10m-1 1h-1");
+}
+
+TEST(SvgPath, CountsReadBackInTheirFewestLetters) {
+  const auto written = [](long long count, int decimals) {
+    std::string text = "x";  // appended
+    appendCount(text, count, decimals);
+    return text.substr(1);
+  };
+  EXPECT_EQ(written(0, 3), "0");
+  EXPECT_EQ(written(-70, 3), "-.07");
+  EXPECT_EQ(written(100'000, 3), "100");
+  EXPECT_EQ(written(999'999, 3), "999.999");
+  EXPECT_EQ(written(1'000'050, 3), "1000.05");
+  EXPECT_EQ(written(-12, 0), "-12");
+  EXPECT_EQ(written(1'000'000'001, 9), "1.000000001");
+  EXPECT_EQ(written(4'000'000'000'000'001, 9), "4000000.000000001");
+  std::mt19937_64 random(20261125);
+  for (int i = 0; i < 20'000; ++i) {
+    const int decimals = i % 10;
+    const auto count = static_cast<long long>(random() >> (12 + i % 50)) * (i % 3 ? 1 : -1);
+    const std::string text = written(count, decimals);
+    EXPECT_EQ(std::llround(std::strtold(text.c_str(), nullptr) * std::pow(10.0L, decimals)), count) << text;
+    if (text.find('.') == text.npos) continue;
+    EXPECT_TRUE(text.back() != '0' && text.back() != '.') << text;
+    EXPECT_NE(text.substr(0, 2), "0.");
+    EXPECT_NE(text.substr(0, 3), "-0.");
+  }
 }
 
 TEST(SvgPath, ArcsKeepTheirWayRound) {
