@@ -43,6 +43,17 @@ Extents2d shownPart(const Extents2d& drawn, const PageOptions& options) {
   return atLeast(box, std::max(longer * kFlattest, kSmallestShown));
 }
 
+// Of three points on a line the radius is no number or without end. A chord is twice the radius times the
+// sine of half the sweep, which here is `half.y` over its length.
+PaintedArc paintedArc(const DrawnArc& s) {
+  PaintedArc arc{s.start.flat(), s.point.flat(), s.end.flat(), {}, 0};
+  const AcGeVector2d a = arc.through - arc.start, c = arc.end - arc.through, chord = arc.end - arc.start;
+  arc.half = {a.dotProduct(c), a.crossProduct(c)};
+  arc.radius =
+      std::sqrt(chord.dotProduct(chord) * arc.half.dotProduct(arc.half)) / (2 * std::abs(arc.half.y));
+  return arc;
+}
+
 // Hands each shape over as the view shows it.
 class Walk {
  public:
@@ -63,10 +74,9 @@ class Walk {
       bent({s.centre.flat(), s.radius, 0, 2 * kPi}, {s.centre.flat(), s.centre.z, {}});
   }
   void operator()(const DrawnArc& s) {
-    const AcGePoint2d start = s.start.flat();
-    if (plan_ && start != s.end.flat()) {
-      if (const auto circle = circleThrough(s))
-        return painter_.arc({start, s.point.flat(), s.end.flat(), start + circle->toCentre, circle->radius});
+    if (plan_ && s.start.flat() != s.end.flat()) {
+      const PaintedArc arc = paintedArc(s);
+      if (arc.radius > 0 && arc.radius <= kFarthestDrawn) return painter_.arc(arc);
     } else if (const auto arc = arcThrough(s)) {
       return plan_ ? painter_.circle(arc->centre, arc->radius) : bent(*arc, planeThrough(s));
     }
@@ -108,6 +118,11 @@ bool isLabel(const Primitive& p) {
 }
 
 }  // namespace
+
+AcGePoint2d PaintedArc::centre() const {
+  const auto circle = circleThrough({solid(start), solid(through), solid(end)});
+  return circle ? start + circle->toCentre : through;
+}
 
 Page layoutPage(const Extents2d& drawn, const PageOptions& options) {
   const Extents2d box = shownPart(drawn, options);

@@ -35,16 +35,16 @@ struct Page {
 [[nodiscard]] Page layoutPage(const Extents2d& drawn, const PageOptions& options);
 [[nodiscard]] Page layoutPage(const DisplayList& list, PageOptions options);  // as its view shows it
 
-// A circular arc by three of its points, start and end exact, with its circle. Angles cost more than the rest
-// and are worked out when asked for.
+// A circular arc by three of its points, start and end exact. Centre and angles cost more than the rest and
+// are worked out when asked for.
 struct PaintedArc {
-  AcGePoint2d start, through, end, centre;
+  AcGePoint2d start, through, end;
+  AcGeVector2d half;  // cosine and sine of half the sweep, both times any length
   double radius = 0;
-  // Cosine and sine of half the sweep, both times the same length.
-  [[nodiscard]] double cosHalf() const { return (through - start).dotProduct(end - through); }
-  [[nodiscard]] double sinHalf() const { return (through - start).crossProduct(end - through); }
+  [[nodiscard]] AcGePoint2d centre() const;
   [[nodiscard]] ArcCurve curve() const {
-    return {centre, radius, (start - centre).angle(), 2 * std::atan2(sinHalf(), cosHalf())};
+    const AcGePoint2d about = centre();
+    return {about, radius, (start - about).angle(), 2 * std::atan2(half.y, half.x)};
   }
 };
 

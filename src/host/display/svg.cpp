@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <deque>
 #include <future>
 #include <thread>
@@ -94,8 +95,7 @@ class SvgPainter final : public Painter {
   }
   void arc(const PaintedArc& arc) override {
     path_.moveTo(arc.start);
-    if (!path_.shortArcTo(arc.radius, {arc.cosHalf(), arc.sinHalf()}, arc.end))
-      path_.arcTo(arc.curve(), arc.end);
+    if (!path_.shortArcTo(arc.radius, arc.half, arc.end)) path_.arcTo(arc.curve(), arc.end);
     endShape();
   }
   void ellipse(const EllipseCurve& curve) override {
@@ -229,39 +229,62 @@ std::string labelsAndEnd(const DisplayList& list, const SvgOptions& options, con
   return painter.takePart();
 }
 
-// Several workers write the parts, the caller hands them on in their order. The labels are begun first,
-// though they stand last: they can't be parted.
-void drawParts(const DisplayList& list, const SvgOptions& options, const Page& page, const Sink& sink) {
-  const auto begins = partsOf(list);
-  const std::size_t count = begins.size();  // of parts, the labels among them
-  std::vector<std::promise<std::string>> parts(count);
-  std::atomic<std::size_t> next{0};
-  const auto work = [&] {
-    for (std::size_t i; (i = next++) < count;) {
-      if (i == 0) {
-        parts.back().set_value(labelsAndEnd(list, options, page));
-        continue;
+// The parts of a picture, written by the caller and its helpers. The labels are begun first, though they
+// stand last: they can't be parted.
+class Parts {
+ public:
+  Parts(const DisplayList& list, const SvgOptions& options, const Page& page)
+      : list_(list), options_(options), page_(page), begins_(partsOf(list)), parts_(begins_.size()) {
+    for (auto& part : parts_) texts_.push_back(part.get_future());
+  }
+  void write(const Sink& sink) {
+    std::vector<std::jthread> helpers;
+    const unsigned processors = std::clamp(std::thread::hardware_concurrency(), 1U, kMostWorkers);
+    for (unsigned i = 1; i < processors && parts_.size() > 2; ++i)
+      helpers.emplace_back([this] {
+        while (work()) {
+        }
+      });
+    for (auto& text : texts_) {
+      while (!isReady(text) && work()) {
       }
-      SvgPainter painter(list, options, page, begins[i] - begins[i - 1]);
-      paintShapes(list, options.view, page.shown, begins[i - 1], begins[i], painter);
-      parts[i - 1].set_value(painter.takePart());
+      sink(text.get());
     }
-  };
-  std::vector<std::jthread> workers;
-  if (count > 2)
-    for (unsigned i = 0; i < std::clamp(std::thread::hardware_concurrency(), 1U, kMostWorkers); ++i)
-      workers.emplace_back(work);
-  else
-    work();
-  for (auto& part : parts) sink(part.get_future().get());
-}
+  }
+
+ private:
+  static bool isReady(const std::future<std::string>& text) {
+    return text.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+  }
+  // Writes the next part; false when none is left.
+  bool work() {
+    const std::size_t i = next_++;
+    if (i >= parts_.size()) return false;
+    if (i == 0) {
+      parts_.back().set_value(labelsAndEnd(list_, options_, page_));
+      return true;
+    }
+    SvgPainter painter(list_, options_, page_, begins_[i] - begins_[i - 1]);
+    paintShapes(list_, options_.view, page_.shown, begins_[i - 1], begins_[i], painter);
+    parts_[i - 1].set_value(painter.takePart());
+    return true;
+  }
+
+  const DisplayList& list_;
+  const SvgOptions& options_;
+  const Page& page_;
+  const std::vector<std::size_t> begins_;
+  std::vector<std::promise<std::string>> parts_;  // as many as there are beginnings: the last is the labels
+  std::vector<std::future<std::string>> texts_;
+  std::atomic<std::size_t> next_{0};
+};
 
 }  // namespace
 
 void drawSvg(const DisplayList& list, const SvgOptions& options, const Sink& sink) {
   const Page page = layoutPage(list, options);
   sink(headOf(list, options, page));
-  drawParts(list, options, page, sink);
+  Parts(list, options, page).write(sink);
 }
 
 std::string svgText(const DisplayList& list, const SvgOptions& options) {

@@ -183,8 +183,12 @@ bool SvgPath::shortArcTo(double radius, AcGeVector2d half, AcGePoint2d end) {
   const double bend = std::abs(half.y);
   if (!(half.x > 0 && bend <= kLongest * half.x && bend > kShallow * half.x)) return false;
   const GridPoint p = grid_.at(end);
-  const double height = radius * (1 - half.x / half.length());
-  if (p == at_ || height * grid_.steps() < kLeastHeight) return false;
+  if (p == at_) return false;
+  // An arc is higher than an eighth of its chord's square over its radius: that is mostly enough.
+  const AcGeVector2d chord = end - exactAt_;
+  if (chord.dotProduct(chord) * grid_.steps() < 8 * kLeastHeight * radius &&
+      radius * (1 - half.x / half.length()) * grid_.steps() < kLeastHeight)
+    return false;
   arcStep(radius, half.y < 0, p);
   exactAt_ = end;
   return true;
