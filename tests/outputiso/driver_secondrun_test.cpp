@@ -2,6 +2,8 @@
 // Knows a program as text; every expected line is worked out from the words before it.
 #include "outputiso/secondrun.h"
 
+#include <algorithm>
+
 #include "outputiso/isotest.h"
 
 namespace tarnex {
@@ -24,6 +26,31 @@ TEST(SecondRun, NumbersEveryLineBehindItsStroke) {
   EXPECT_EQ(finishProgram(numbering("%s"), "A\n"), "%sA\n");  // no format of a number
   EXPECT_EQ(finishProgram(numbering(""), first), "%\n/G01X1.Y1.\n\n/M0\n(V)\n");
   EXPECT_EQ(finishProgram(isoWith(kPlainFamily, {}), "//M0\nX+000000\n"), "//M0\nX+000000\n");
+}
+
+// Digits of the format's own text, places filled with blanks or zeros, and every carry to a thousand and
+// more.
+TEST(SecondRun, CountsOnThroughEveryCarry) {
+  const struct {
+    const char *format, *ahead;
+    char fill;
+    std::size_t places;
+    const char* behind;
+  } cases[] = {{"N%03d ", "N", '0', 3, " "},
+               {"N%3d9", "N", ' ', 3, "9"},
+               {"9%d", "9", ' ', 0, ""},
+               {"9%04d09", "9", '0', 4, "09"},
+               {"%d", "", ' ', 0, ""}};
+  for (const auto& c : cases) {
+    std::string first, expected;
+    for (int i = 1; i <= 11000; ++i) {
+      const std::string digits = std::to_string(i);
+      first += "A\n";
+      expected += c.ahead + std::string(c.places - std::min(c.places, digits.size()), c.fill) + digits +
+                  c.behind + "A\n";
+    }
+    EXPECT_TRUE(finishProgram(numbering(c.format), first) == expected) << c.format;
+  }
 }
 
 TEST(SecondRun, PutsTextsAheadOfAndBehindTheLine) {
