@@ -231,7 +231,8 @@ void placeOvercut(const CToolPath& path, const WireCutSettings& settings, Contou
 }  // namespace
 
 ContourLists contourLists(const CToolPath& path, const Contour3bContext& context) {
-  const OffsetPath tool = path.wireCentrePath();
+  OffsetPath own;
+  const OffsetPath& tool = context.wires ? context.wires->of(path) : own = path.wireCentrePath();
   if (tool.ownMethod)
     context.report(formatChecked(context.message(134), {static_cast<long long>(path.nPathNo())}));
   ContourLists l;

@@ -4,10 +4,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "contour/geometrylibrary.h"
-#include "host/database/boxtree.h"
 #include "host/geometry/offset.h"
+#include "pathcmd/spanfinder.h"
 #include "toolpath/toolpath.h"
 
 namespace tarnex {
@@ -15,27 +16,6 @@ namespace tarnex {
 namespace {
 
 constexpr double kTouching = 0.001;  // mm; rounding of a program adds up to less
-
-// A span with what it belongs to.
-struct OwnedSpan {
-  AcGePoint2d start, end;
-  double bulge;
-  std::uint32_t path;  // index of the path
-};
-
-// Holds the span; of an arc a little more.
-Extents2d boxOf(const OwnedSpan& s) {
-  Extents2d box;
-  box.add(s.start);
-  box.add(s.end);
-  if (s.bulge == 0) return box;
-  // An arc stays within the circle about its chord's middle through its ends or its crown.
-  const AcGePoint2d middle = midpoint(s.start, s.end);
-  const double reach = s.start.distanceTo(s.end) / 2 * std::max(1.0, std::abs(s.bulge));
-  Extents2d round;
-  round.add(middle);
-  return round.grown(reach);
-}
 
 // Least distance of two spans: their ends to each other, or 0 where they cross.
 double spanDistance(const OwnedSpan& a, const OwnedSpan& b, AcGePoint2d& at) {
@@ -106,14 +86,15 @@ SharpCorner sharpestCorner(const PolylineCurve& contour, bool hole, double offse
 
 class Survey {
  public:
-  Survey(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& ids) {
+  Survey(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& ids, WirePaths& wires)
+      : wirePaths_(wires) {
     for (AcDbObjectId id : ids)
       if (const auto* path = drawing.peek<CToolPath>(id); path && path->numVerts() >= 3)
         paths_.push_back(path);
   }
 
   WireSurvey run() {
-    collect();
+    contours_.build(paths_);
     for (std::uint32_t i = 0; i < paths_.size(); ++i) {
       fate(i);
       neighbours(i);
@@ -123,23 +104,6 @@ class Survey {
   }
 
  private:
-  // Contour spans of all paths in one tree.
-  void collect() {
-    std::size_t count = 0;
-    for (const auto* path : paths_) count += path->polyline().vertices.size() - 2;
-    spans_.reserve(count);
-    std::vector<BoxTree::Item> boxes;
-    boxes.reserve(count);
-    for (std::uint32_t i = 0; i < paths_.size(); ++i) {
-      const auto& v = paths_[i]->polyline().vertices;
-      for (std::size_t k = 1; k + 1 < v.size(); ++k) {
-        spans_.push_back({v[k].point, v[k + 1].point, v[k].bulge, i});
-        boxes.push_back({boxOf(spans_.back()), static_cast<std::uint32_t>(spans_.size() - 1)});
-      }
-    }
-    tree_.build(std::move(boxes));
-  }
-
   void warn(WireTrouble trouble, std::uint32_t path, int other, AcGePoint2d at, double value, double limit) {
     const int number = paths_[path]->nPathNo();
     for (auto w = warnings_.rbegin(); w != warnings_.rend() && w->path == number; ++w)
@@ -153,7 +117,7 @@ class Survey {
   void fate(std::uint32_t i) {
     const CToolPath& p = *paths_[i];
     const double offset = wireOffset(p);
-    tool_ = p.wireCentrePath();
+    tool_ = wirePaths_.take(p);
     addLength(p);
     if (p.hasFlag(kOpenPath)) return;
     PolylineCurve contour{{p.polyline().vertices.begin() + 1, p.polyline().vertices.end() - 1}, true};
@@ -194,18 +158,13 @@ class Survey {
     }
   }
 
-  // Contour spans of other paths around the whole wire of path i, in the tree's order. False when they are so
-  // many that each span of the wire had better ask for itself.
+  // Contour spans of other paths around the whole wire of path i. False when they are so many that each span
+  // of the wire had better ask for itself.
   bool lookAround(std::uint32_t i, double reach) {
     constexpr std::size_t kFew = 64;
     Extents2d all;
     for (const OwnedSpan& wire : wires_) all.add(boxOf(wire));
-    found_.clear();
-    around_.clear();
-    if (!all.empty()) tree_.query(all.grown(reach), found_);
-    for (std::uint32_t k : found_)
-      if (spans_[k].path != i) around_.push_back({boxOf(spans_[k]), k});
-    return around_.size() <= kFew;
+    return contours_.find(all.grown(reach), i, kFew, around_);
   }
 
   void leadIn(std::uint32_t i) {
@@ -227,38 +186,33 @@ class Survey {
   // Contour spans of other paths that come within `reach` of the span.
   void nearest(const OwnedSpan& span, double reach, WireTrouble trouble, double limit) {
     if (reach < 0) return;
-    found_.clear();
-    tree_.query(boxOf(span).grown(reach), found_);
-    for (std::uint32_t k : found_)
-      if (spans_[k].path != span.path) compare(span, k, reach, trouble, limit);
+    constexpr auto kAll = std::numeric_limits<std::size_t>::max();
+    (void)contours_.find(boxOf(span).grown(reach), span.path, kAll, found_);
+    for (const BoxedSpan& other : found_) compare(span, other.span, reach, trouble, limit);
   }
 
-  void nearestOf(const std::vector<BoxTree::Item>& others, const OwnedSpan& span, double reach,
+  void nearestOf(const std::vector<BoxedSpan>& others, const OwnedSpan& span, double reach,
                  WireTrouble trouble, double limit) {
     if (others.empty()) return;
     const Extents2d box = boxOf(span).grown(reach);
-    for (const auto& other : others)
-      if (touch(box, other.box)) compare(span, other.key, reach, trouble, limit);
+    for (const BoxedSpan& other : others)
+      if (box.overlaps(other.box)) compare(span, other.span, reach, trouble, limit);
   }
 
-  static bool touch(const Extents2d& a, const Extents2d& b) {
-    return a.low.x <= b.high.x && b.low.x <= a.high.x && a.low.y <= b.high.y && b.low.y <= a.high.y;
-  }
-
-  void compare(const OwnedSpan& span, std::uint32_t k, double reach, WireTrouble trouble, double limit) {
+  void compare(const OwnedSpan& span, const OwnedSpan& other, double reach, WireTrouble trouble,
+               double limit) {
     AcGePoint2d at;
-    const double distance = spanDistance(span, spans_[k], at);
+    const double distance = spanDistance(span, other, at);
     if (distance < reach || (reach == 0 && distance == 0))
-      warn(trouble, span.path, paths_[spans_[k].path]->nPathNo(), at, distance, limit);
+      warn(trouble, span.path, paths_[other.path]->nPathNo(), at, distance, limit);
   }
 
+  WirePaths& wirePaths_;
   std::vector<const CToolPath*> paths_;
-  std::vector<OwnedSpan> spans_;
-  BoxTree tree_;
+  SpanFinder contours_;
   OffsetPath tool_;
   std::vector<OwnedSpan> wires_;
-  std::vector<BoxTree::Item> around_;
-  std::vector<std::uint32_t> found_;
+  std::vector<BoxedSpan> around_, found_;
   std::vector<WireWarning> warnings_;
   double cutLength_ = 0;
 };
@@ -300,8 +254,15 @@ std::vector<TightArc> tightArcs(const PolylineCurve& contour, bool hole, double 
   return tight;
 }
 
+WireSurvey surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths,
+                       WirePaths& known) {
+  known.follow(drawing);
+  return Survey(drawing, paths, known).run();
+}
+
 WireSurvey surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths) {
-  return Survey(drawing, paths).run();
+  WirePaths none;
+  return surveyWires(drawing, paths, none);
 }
 
 }  // namespace tarnex

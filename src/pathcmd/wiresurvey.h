@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/database/database.h"
+#include "pathcmd/wirepaths.h"
 
 namespace tarnex {
 
@@ -31,6 +32,9 @@ struct WireSurvey {
   double cutLength = 0;               // mm along the wire's centre: leads, contours, returns
 };
 [[nodiscard]] WireSurvey surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths);
+// The same with wire paths that are known already; those looked at are `known` no longer.
+[[nodiscard]] WireSurvey surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths,
+                                     WirePaths& known);
 
 // What becomes of one closed contour beside which a wire runs `offset` mm away.
 struct OffsetFate {

@@ -216,7 +216,7 @@ class Job3b {
   bool survey() {
     AcDbDatabase& drawing = session_.drawing();
     const auto& list = session_.module().state<PathState>().PathList;
-    const WireSurvey wires = surveyWires(drawing, list);
+    const WireSurvey wires = surveyWires(drawing, list, session_.module().state<WirePaths>());
     result_.cutLength = wires.cutLength;
     for (const auto& warning : wires.warnings) result_.warnings.push_back(sentenceOf(warning));
     tellLoose();
