@@ -43,20 +43,38 @@ double leftOffset(const PolylineCurve& contour, bool hole, double offset) {
   return hole == (signedArea(contour.vertices) > 0) ? offset : -offset;
 }
 
-// The smallest arc that the wire runs inside of and that is smaller than the offset; radius 0: none.
-TightArc smallestTightRadius(const PolylineCurve& contour, bool hole, double offset) {
+// As tightArcs, for a wire `toTheLeft` mm left of the contour.
+std::vector<TightArc> tightArcsBeside(const PolylineCurve& contour, double toTheLeft) {
+  std::vector<TightArc> tight;
+  const auto& v = contour.vertices;
+  for (std::size_t i = 0; i < v.size(); ++i) {
+    const AcGePoint2d end = v[(i + 1) % v.size()].point;
+    if (v[i].bulge == 0 || v[i].point == end || v[i].bulge * toTheLeft <= 0) continue;
+    const double radius = bulgeToCircle(v[i].point, end, v[i].bulge).radius;
+    if (radius < std::abs(toTheLeft)) tight.push_back({radius, v[i].point});
+  }
+  return tight;
+}
+
+// The smallest of them; radius 0: none.
+TightArc smallestTightArc(const PolylineCurve& contour, double toTheLeft) {
   TightArc tight;
-  for (const TightArc& arc : tightArcs(contour, hole, offset))
+  for (const TightArc& arc : tightArcsBeside(contour, toTheLeft))
     if (tight.radius == 0 || arc.radius < tight.radius) tight = arc;
   return tight;
 }
 
-// Unit direction of travel at the start of a span, or at its end: the chord's turned by half the sweep, whose
-// tangent is the bulge twice over.
-AcGeVector2d headingOf(AcGePoint2d start, AcGePoint2d end, double bulge, bool atEnd) {
+// Unit directions of travel at both ends of a span: the chord's turned by half the sweep, whose tangent is
+// the bulge twice over.
+struct Headings {
+  AcGeVector2d atStart, atEnd;
+};
+Headings headingsOf(AcGePoint2d start, AcGePoint2d end, double bulge) {
   const AcGeVector2d chord = (end - start).normal();
-  const double square = bulge * bulge, turn = (atEnd ? 2 : -2) * bulge;
-  return (chord * (1 - square) + chord.perpVector() * turn) * (1 / (1 + square));
+  if (bulge == 0) return {chord, chord};
+  const double square = bulge * bulge, size = 1 / (1 + square);
+  const AcGeVector2d ahead = chord * (1 - square), aside = chord.perpVector() * (2 * bulge);
+  return {(ahead - aside) * size, (ahead + aside) * size};
 }
 
 struct SharpCorner {
@@ -65,21 +83,23 @@ struct SharpCorner {
 };
 
 // The corner round whose outside the wire runs farthest out, when that is more than a few offsets.
-SharpCorner sharpestCorner(const PolylineCurve& contour, bool hole, double offset) {
+SharpCorner sharpestCorner(const PolylineCurve& contour, double toTheLeft) {
   constexpr double kFarOut = 6;  // offsets; a corner of 20 degrees
   SharpCorner sharp;
   const auto& v = contour.vertices;
-  const double toTheLeft = leftOffset(contour, hole, offset);
+  const double offset = std::abs(toTheLeft);
+  Headings before = headingsOf(v.back().point, v.front().point, v.back().bulge);
   for (std::size_t i = 0; i < v.size(); ++i) {
-    const auto &before = v[(i + v.size() - 1) % v.size()], &here = v[i];
-    const AcGePoint2d after = v[(i + 1) % v.size()].point;
-    if (before.point == here.point || here.point == after) continue;
-    const AcGeVector2d in = headingOf(before.point, here.point, before.bulge, true);
-    const AcGeVector2d out = headingOf(here.point, after, here.bulge, false);
+    const AcGePoint2d previous = v[i > 0 ? i - 1 : v.size() - 1].point, here = v[i].point;
+    const AcGePoint2d after = v[i + 1 < v.size() ? i + 1 : 0].point;
+    const AcGeVector2d in = before.atEnd;
+    before = headingsOf(here, after, v[i].bulge);
+    if (previous == here || here == after) continue;
+    const AcGeVector2d out = before.atStart;
     if (in.crossProduct(out) * toTheLeft >= 0) continue;
     const double halfTurnCosine = std::sqrt(std::max(0.0, (1 + in.dotProduct(out)) / 2));
-    const double reach = std::abs(offset) / std::max(halfTurnCosine, 1e-9);
-    if (reach > kFarOut * std::abs(offset) && reach > sharp.reach) sharp = {reach, here.point};
+    const double reach = offset / std::max(halfTurnCosine, 1e-9);
+    if (reach > kFarOut * offset && reach > sharp.reach) sharp = {reach, here};
   }
   return sharp;
 }
@@ -122,9 +142,10 @@ class Survey {
     if (p.hasFlag(kOpenPath)) return;
     PolylineCurve contour{{p.polyline().vertices.begin() + 1, p.polyline().vertices.end() - 1}, true};
     const bool hole = p.nSide() == kInnerHole;
-    if (const auto small = smallestTightRadius(contour, hole, offset); small.radius > 0)
+    const double toTheLeft = leftOffset(contour, hole, offset);
+    if (const auto small = smallestTightArc(contour, toTheLeft); small.radius > 0)
       warn(WireTrouble::kRadiusBelowOffset, i, 0, small.at, small.radius, offset);
-    if (const auto sharp = sharpestCorner(contour, hole, offset); sharp.reach > 0)
+    if (const auto sharp = sharpestCorner(contour, toTheLeft); sharp.reach > 0)
       warn(WireTrouble::kSharpCorner, i, 0, sharp.at, sharp.reach, offset);
     // The host's offset tells by itself what became of the contour.
     const OffsetFate f = tool_.ownMethod ? fateUnderOffset(contour, hole, offset)
@@ -167,19 +188,32 @@ class Survey {
     return contours_.find(all.grown(reach), i, kFew, around_);
   }
 
+  // Points at which the line meets the path's own contour, along the contour.
+  template <class Each>
+  static void ownHits(const CToolPath& p, const LineCurve& line, const Each& each) {
+    const Extents2d box = boxOf({line.start, line.end}).grown(kTouching);
+    const auto& v = p.polyline().vertices;
+    for (std::size_t k = 1; k + 1 < v.size(); ++k) {
+      const OwnedSpan span{v[k].point, v[k + 1].point, v[k].bulge};
+      if (span.start == span.end || !box.overlaps(boxOf(span))) continue;
+      for (AcGePoint2d hit :
+           intersect(spanCurve(span.start, span.end, span.bulge), line, Extend::kOnBothOperands))
+        each(hit);
+    }
+  }
+
   void leadIn(std::uint32_t i) {
     const CToolPath& p = *paths_[i];
     const AcGePoint2d t = p.getPointAt(0), q = p.getPointAt(1);
-    PolylineCurve contour{{p.polyline().vertices.begin() + 1, p.polyline().vertices.end()}, false};
-    for (AcGePoint2d hit : intersect(contour, LineCurve{t, q}, Extend::kOnBothOperands))
-      if (hit.distanceTo(q) > kTouching) {
-        warn(WireTrouble::kLeadInCrosses, i, p.nPathNo(), hit, 0, 0);
-        break;
-      }
+    const auto crossed = [&](AcGePoint2d hit) {
+      warn(WireTrouble::kLeadInCrosses, i, p.nPathNo(), hit, 0, 0);
+    };
+    ownHits(p, {t, q}, [&](AcGePoint2d hit) {
+      if (hit.distanceTo(q) > kTouching) crossed(hit);
+    });
     // Where the span under Q has vanished the wire goes in elsewhere, and on its way meets nothing either.
     if (tool_.vertices.size() > 1 && std::abs(wireOffset(p)) > kTouching)
-      for (AcGePoint2d hit : intersect(contour, LineCurve{t, tool_.vertices[1]}, Extend::kOnBothOperands))
-        warn(WireTrouble::kLeadInCrosses, i, p.nPathNo(), hit, 0, 0);
+      ownHits(p, {t, tool_.vertices[1]}, crossed);
     nearest({p.getPointAt(0), p.getPointAt(1), 0, i}, 0, WireTrouble::kLeadInCrosses, 0);
   }
 
@@ -242,16 +276,7 @@ bool vanishesUnderOffset(const PolylineCurve& contour, bool hole, double offset)
 }
 
 std::vector<TightArc> tightArcs(const PolylineCurve& contour, bool hole, double offset) {
-  std::vector<TightArc> tight;
-  const auto& v = contour.vertices;
-  const double toTheLeft = leftOffset(contour, hole, offset);
-  for (std::size_t i = 0; i < v.size(); ++i) {
-    const AcGePoint2d end = v[(i + 1) % v.size()].point;
-    if (v[i].bulge == 0 || v[i].point == end || v[i].bulge * toTheLeft <= 0) continue;
-    const double radius = bulgeToCircle(v[i].point, end, v[i].bulge).radius;
-    if (radius < std::abs(offset)) tight.push_back({radius, v[i].point});
-  }
-  return tight;
+  return tightArcsBeside(contour, leftOffset(contour, hole, offset));
 }
 
 WireSurvey surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths,
