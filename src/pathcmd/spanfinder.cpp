@@ -57,7 +57,6 @@ bool SpanFinder::find(const Extents2d& box, std::uint32_t except, std::size_t mo
   found.clear();
   touched_.clear();
   tree_.query(box, touched_);
-  std::sort(touched_.begin(), touched_.end());
   for (std::uint32_t t : touched_) {
     const Stretch& stretch = stretches_[t];
     if (stretch.path == except) continue;
@@ -69,6 +68,10 @@ bool SpanFinder::find(const Extents2d& box, std::uint32_t except, std::size_t mo
       found.push_back({around, span});
     }
   }
+  std::sort(found.begin(), found.end(), [](const BoxedSpan& a, const BoxedSpan& b) {
+    const AcGePoint2d p = midpoint(a.box.low, a.box.high), q = midpoint(b.box.low, b.box.high);
+    return p.y != q.y ? p.y < q.y : p.x < q.x;
+  });
   return true;
 }
 

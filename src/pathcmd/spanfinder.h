@@ -31,8 +31,9 @@ class SpanFinder {
  public:
   void build(std::vector<const CToolPath*> paths);
 
-  // Replaces `found` by the spans of other paths than `except` whose boxes touch `box`, by path and then
-  // along the contour. False when there are more than `most`: `found` then holds the first of them.
+  // Replaces `found` by the spans of other paths than `except` whose boxes touch `box`, from bottom to top:
+  // which of them is told first doesn't hang on where contours begin. False when there are more than `most`;
+  // `found` is of no use then.
   [[nodiscard]] bool find(const Extents2d& box, std::uint32_t except, std::size_t most,
                           std::vector<BoxedSpan>& found);
 
@@ -44,7 +45,7 @@ class SpanFinder {
   [[nodiscard]] OwnedSpan spanOf(std::uint32_t path, std::size_t vertex) const;
 
   std::vector<const CToolPath*> paths_;
-  std::vector<Stretch> stretches_;  // by path and then along the contour
+  std::vector<Stretch> stretches_;
   BoxTree tree_;
   std::vector<std::uint32_t> touched_;
 };

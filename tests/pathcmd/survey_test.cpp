@@ -105,9 +105,9 @@ TEST_F(Wires, ANeighbourWithinReach) {
 // The side that leans towards the first contour has 90 spans; its last vertex alone comes near.
 TEST_F(Wires, ANeighbourOfManySpans) {
   cut(box(0, 0, 10, 10), {5, -3}, {5, 0}, kOuterShape);
-  PolylineCurve leaning{{{{15, 0}, 0}, {{15, 9}, 0}}, true};
-  for (int k = 90; k >= 0; --k) leaning.vertices.push_back({{10.12 + 0.02 * (90 - k), 0.1 * k}, 0});
-  cut(leaning, {18, 5}, {15, 5}, kOuterShape);
+  PolylineCurve leaning{{{{40, 0}, 0}, {{40, 9}, 0}}, true};
+  for (int k = 90; k >= 0; --k) leaning.vertices.push_back({{10.12 + 0.2 * (90 - k), 0.1 * k}, 0});
+  cut(leaning, {43, 5}, {40, 5}, kOuterShape);
   ASSERT_THAT(told(), ElementsAre(warning(WireTrouble::kCutsNeighbour, 1, 2),
                                   warning(WireTrouble::kCutsNeighbour, 2, 1)));
   EXPECT_NEAR(survey.warnings[0].value, 0.04, 1e-9);  // from x = 10.08 to the vertex at 10.12
