@@ -2,11 +2,27 @@
 // Knows points and order only.
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 #include "contour/chaining.h"
 #include "contour/geometrylibrary.h"
 
 namespace tarnex {
+
+namespace {
+
+// The bits of x and y in turn; of each the lower 16 count.
+std::uint32_t interleaved(std::uint32_t x, std::uint32_t y) {
+  const auto spread = [](std::uint32_t v) {
+    v = (v | v << 8) & 0x00FF00FF;
+    v = (v | v << 4) & 0x0F0F0F0F;
+    v = (v | v << 2) & 0x33333333;
+    return (v | v << 1) & 0x55555555;
+  };
+  return spread(x) | spread(y) << 1;
+}
+
+}  // namespace
 
 std::int64_t ChainCandidates::cellOf(double v) const {
   const double c = std::floor(v / cell_);
@@ -26,34 +42,65 @@ void ChainCandidates::link(std::uint32_t entry, int end) {
   buckets_[b] = static_cast<std::int32_t>(entry * 2 + static_cast<std::uint32_t>(end));
 }
 
-// Entries are put into buckets when somebody asks, all at once. From the last to the first, each at the head:
-// so every chain runs in order.
+// Places for entries in order, so that those near each other in the plane come near each other in memory: a
+// chain walks among its neighbours. Cells of a grid over all, in the order of Morton's curve.
+std::vector<std::uint32_t> ChainCandidates::placesByNeighbourhood() const {
+  constexpr int kGridBits = 8;  // 256 by 256 cells
+  Extents2d all;
+  for (const Entry& e : entries_) all.add(e.ends[0]);
+  const double cells = (1 << kGridBits) - 1;
+  const double x = cells / std::max(all.high.x - all.low.x, kSamePoint);
+  const double y = cells / std::max(all.high.y - all.low.y, kSamePoint);
+  // What is no number, or lies at no place, goes to the first cell.
+  const auto along = [cells](double v) { return static_cast<std::uint32_t>(v > 0 ? std::min(v, cells) : 0); };
+  const auto cell = [&](const Entry& e) {
+    return interleaved(along((e.ends[0].x - all.low.x) * x), along((e.ends[0].y - all.low.y) * y));
+  };
+  std::vector<std::uint32_t> next((1u << 2 * kGridBits) + 1, 0), places(entries_.size());
+  for (const Entry& e : entries_) ++next[cell(e) + 1];
+  std::partial_sum(next.begin(), next.end(), next.begin());
+  for (std::size_t i = 0; i < entries_.size(); ++i) places[i] = next[cell(entries_[i])]++;
+  return places;
+}
+
+// Entries are put into buckets when somebody asks, all at once.
 void ChainCandidates::rebuild() {
   std::erase_if(entries_, [](const Entry& e) { return !e.alive; });
-  if (!inOrder_)
-    std::stable_sort(entries_.begin(), entries_.end(), [](auto& a, auto& b) { return a.order < b.order; });
-  inOrder_ = true;
-  firstAlive_ = 0;
+  const auto earlier = [](const Entry& a, const Entry& b) { return a.order < b.order; };
+  if (!std::is_sorted(entries_.begin(), entries_.end(), earlier))
+    std::stable_sort(entries_.begin(), entries_.end(), earlier);
+  turns_.clear();
+  turns_.reserve(entries_.size());
+  for (const Entry& e : entries_) turns_.push_back({e.id, e.order});
+  nextTurn_ = 0;
   double size = 0;
   for (const Entry& e : entries_)
     for (AcGePoint2d p : e.ends) size = std::max({size, std::abs(p.x), std::abs(p.y)});
   // A query mostly falls into one cell, and few ends that don't touch share it, however the drawing lies.
   constexpr double kCellOverReach = 16;
   cell_ = std::max(kCellOverReach * std::max(finest_, kSamePoint), roundoff(size));
+  const auto places = placesByNeighbourhood();
+  std::vector<Entry> placed(entries_.size());
+  for (std::size_t i = 0; i < places.size(); ++i) placed[places[i]] = entries_[i];
+  entries_ = std::move(placed);
+  linkAll(places);
+}
+
+// From the last to the first, each at the head of its bucket: so every chain runs in order.
+void ChainCandidates::linkAll(const std::vector<std::uint32_t>& places) {
   std::size_t count = 64;
   while (count < entries_.size() * 4) count *= 2;
   buckets_.assign(count, -1);
-  for (std::size_t i = entries_.size(); i-- > 0;) {
-    slots_[entries_[i].id.index] = static_cast<std::uint32_t>(i);
-    link(static_cast<std::uint32_t>(i), 1);
-    link(static_cast<std::uint32_t>(i), 0);
+  for (std::size_t i = places.size(); i-- > 0;) {
+    slots_[entries_[places[i]].id.index] = places[i];
+    link(places[i], 1);
+    link(places[i], 0);
   }
   linked_ = entries_.size();
 }
 
 void ChainCandidates::add(AcDbObjectId id, AcGePoint2d start, AcGePoint2d end, std::uint64_t order) {
   if (contains(id)) remove(id);
-  if (!entries_.empty() && order < entries_.back().order) inOrder_ = false;
   Entry e;
   e.id = id;
   e.order = order;
@@ -74,13 +121,13 @@ void ChainCandidates::remove(AcDbObjectId id) {
   --alive_;
 }
 
-AcDbObjectId ChainCandidates::first() const {
-  if (!inOrder_) {
-    const auto all = remaining();
-    return all.empty() ? AcDbObjectId{} : all.front();
+AcDbObjectId ChainCandidates::first() {
+  if (linked_ != entries_.size()) rebuild();
+  for (; nextTurn_ < turns_.size(); ++nextTurn_) {
+    const Turn& turn = turns_[nextTurn_];
+    if (contains(turn.id) && entries_[slots_[turn.id.index]].order == turn.order) return turn.id;
   }
-  while (firstAlive_ < entries_.size() && !entries_[firstAlive_].alive) ++firstAlive_;
-  return firstAlive_ < entries_.size() ? entries_[firstAlive_].id : AcDbObjectId{};
+  return {};
 }
 
 void ChainCandidates::bucketsAround(AcGePoint2d p, double tolerance) {
@@ -123,7 +170,7 @@ AcDbObjectId ChainCandidates::firstTouching(AcGePoint2d p, double tolerance,
   for (;;) {
     std::int32_t** first = nullptr;
     for (std::int32_t*& link : links_)
-      if (*link >= 0 && (!first || *link < **first)) first = &link;
+      if (*link >= 0 && (!first || comesBefore(*link, **first))) first = &link;
     if (!first) return {};
     const std::int32_t entry = **first / 2;
     Entry& e = entries_[static_cast<std::size_t>(entry)];

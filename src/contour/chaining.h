@@ -21,7 +21,7 @@ class ChainCandidates {
     return id.index < slots_.size() && slots_[id.index] != kNoSlot;
   }
   [[nodiscard]] std::size_t size() const { return alive_; }
-  [[nodiscard]] AcDbObjectId first() const;  // null when there are none
+  [[nodiscard]] AcDbObjectId first();  // null when there are none
   // Candidates with an end within `tolerance` of p (inclusive), in order. Fills `found`.
   void touching(AcGePoint2d p, double tolerance, std::vector<AcDbObjectId>& found);
   // The same one by one, until `take` says true: its candidate; null when it never does. What comes after it
@@ -33,27 +33,37 @@ class ChainCandidates {
  private:
   struct Entry {
     AcDbObjectId id;
-    std::uint64_t order = 0;
-    AcGePoint2d ends[2];
     std::int32_t next[2] = {-1, -1};  // chains of the buckets, in order: entry * 2 + end
     bool alive = true;
+    std::uint64_t order = 0;
+    AcGePoint2d ends[2];
   };
   [[nodiscard]] std::size_t bucketOf(std::int64_t cellX, std::int64_t cellY) const;
   [[nodiscard]] std::int64_t cellOf(double v) const;
   void link(std::uint32_t entry, int end);
   void rebuild();
+  [[nodiscard]] std::vector<std::uint32_t> placesByNeighbourhood() const;
+  void linkAll(const std::vector<std::uint32_t>& places);
+  // Of two links to ends.
+  [[nodiscard]] bool comesBefore(std::int32_t a, std::int32_t b) const {
+    return entries_[static_cast<std::size_t>(a / 2)].order < entries_[static_cast<std::size_t>(b / 2)].order;
+  }
   void bucketsAround(AcGePoint2d p, double tolerance);
   [[nodiscard]] std::int32_t* nextHit(std::int32_t* link, AcGePoint2d p, double tolerance);
 
-  std::vector<Entry> entries_;
+  std::vector<Entry> entries_;  // neighbours in the plane are neighbours here, once they are linked
   static constexpr std::uint32_t kNoSlot = 0xFFFFFFFF;
   std::vector<std::uint32_t> slots_;  // by id: entry
   std::size_t alive_ = 0;
   std::vector<std::int32_t> buckets_;
   std::size_t linked_ = 0;          // entries from here on are in no bucket yet
   double cell_ = 1.0, finest_ = 0;  // mm
-  mutable std::size_t firstAlive_ = 0;
-  bool inOrder_ = true;
+  struct Turn {
+    AcDbObjectId id;
+    std::uint64_t order;
+  };
+  std::vector<Turn> turns_;           // of the linked entries, in order
+  std::size_t nextTurn_ = 0;          // what comes before has gone
   std::vector<std::int32_t*> links_;  // of a query: the next hit of every bucket that it looks at
 };
 

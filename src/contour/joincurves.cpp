@@ -207,6 +207,9 @@ std::optional<AcDbObjectId> joinCurves(AcEditor& editor, AcDbObjectId seed, Chai
                                        double tolerance) {
   AcDbDatabase& drawing = editor.database();
   ChainBuffer chain;
+  constexpr std::size_t kMostlyEnough = 32;  // vertices
+  chain.vertices.reserve(kMostlyEnough);
+  chain.bulges.reserve(kMostlyEnough);
   AcDbObjectId layer;
   int color = kColorByLayer;
   {

@@ -76,13 +76,15 @@ std::optional<SurveyedContour> surveyedContour(AcDbObjectId id, PolylineCurve sh
     v.pop_back();
     shape.closed = true;
   }
-  if (!shape.closed || v.size() < 2 || !isValid(shape)) return std::nullopt;
+  if (!shape.closed || v.size() < 2) return std::nullopt;
+  Curve curve = std::move(shape);
+  if (!isValid(curve)) return std::nullopt;
   SurveyedContour c;
   c.id = id;
-  c.box = extents(shape);
-  c.length = length(shape);
-  c.area = std::abs(signedArea(v));
-  c.shape = std::move(shape);
+  c.box = extents(curve);
+  c.length = length(curve);
+  c.shape = std::get<PolylineCurve>(std::move(curve));
+  c.area = std::abs(signedArea(c.shape.vertices));
   return c;
 }
 

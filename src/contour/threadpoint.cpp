@@ -41,6 +41,7 @@ struct Scan {
   double best = 0;
   bool refined = false;
   std::vector<double> up, across;
+  std::size_t nearestSpan = 0;
 
   // Where the contour meets the line x = at (or y = at), as the other coordinate, ascending, each place once.
   void hits(bool vertical, double at, std::vector<double>& out) const {
@@ -73,9 +74,18 @@ struct Scan {
               out.end());
   }
 
-  double distance(AcGePoint2d p) const {
+  // To the contour, where that is more than `enough`; else some value that isn't. The span that was nearest
+  // last time mostly settles it.
+  double distance(AcGePoint2d p, double enough) {
     double nearest = std::numeric_limits<double>::infinity();
-    for (const ScanSpan& s : spans) nearest = std::min(nearest, squaredDistance(s, p));
+    const std::size_t from = nearestSpan;
+    for (std::size_t i = 0; i < spans.size() && nearest > enough * enough; ++i) {
+      const std::size_t k = from + i < spans.size() ? from + i : from + i - spans.size();
+      const double square = squaredDistance(spans[k], p);
+      if (!(square < nearest)) continue;
+      nearest = square;
+      nearestSpan = k;
+    }
     return std::sqrt(nearest);
   }
 
@@ -118,7 +128,7 @@ struct Scan {
     for (std::size_t k = 0; k + 1 < across.size(); k += 2) {
       if (!(across[k] < m.x && m.x < across[k + 1])) continue;
       const AcGePoint2d moved{(across[k] + across[k + 1]) / 2, m.y};
-      const double d = distance(moved);
+      const double d = distance(moved, away);
       if (!(d > away)) continue;
       refined = true;
       m = moved;
@@ -130,7 +140,8 @@ struct Scan {
   // `half` is half the chord that m is the middle of: no point of it is farther from the contour.
   void offer(AcGePoint2d m, double half) {
     if (refined && half <= best && !(halfChordAcross(m) > best)) return;
-    double away = distance(m);
+    // How far a point is counts where it may be the best, and until one has moved.
+    double away = distance(m, refined ? best : 0);
     centre(m, away);
     if (!(away > best)) return;
     const AcGePoint2d c = closestPoint(curve, m).point;
@@ -164,7 +175,7 @@ ThreadPoint lengthCentroid(const PolylineCurve& c) {
 
 ThreadPoint findThreadPoint(const PolylineCurve& c) {
   if (c.vertices.empty()) return {};
-  Scan scan{c, c, scanSpans(c), {}, {}, 0, false, {}, {}};
+  Scan scan{c, c, scanSpans(c), {}, {}, 0, false, {}, {}, 0};
   scan.box = extents(scan.curve);
   for (int i = 0; i < 20; ++i) scan.station(scan.box.low.x + (scan.box.high.x - scan.box.low.x) * i * 0.05);
   if (scan.refined && scan.found.thread.distanceTo(scan.found.contour) > 1.0) return scan.found;

@@ -18,6 +18,8 @@ void ContourLists::insert(int i, AcGePoint2d point, double b, double t) {
 
 namespace {
 
+constexpr std::size_t kInsertedAtEnd = 4;  // vertices: of a pause and an overcut, mostly
+
 std::size_t at(int i) {
   return static_cast<std::size_t>(i);
 }
@@ -34,6 +36,8 @@ Hanging hangingOf(const CToolPath& path, const OffsetPath& tool) {
   if (path.hasSegTaper() || !path.aCodeVertex().empty())
     spans = spansBeside(path.polyline().vertices, tool, path.wireOffsetToTheLeft());
   Hanging out;
+  out.taper.reserve(tool.vertices.size());
+  out.sources.reserve(tool.vertices.size());
   int previous = -1;
   for (std::size_t i = 0; i < tool.vertices.size(); ++i) {
     const int span = spans.empty() ? static_cast<int>(i) : spans[i];
@@ -46,6 +50,11 @@ Hanging hangingOf(const CToolPath& path, const OffsetPath& tool) {
 
 // The first vertices of the tool path as they are, one list entry each.
 void copyVertices(const OffsetPath& tool, const Hanging& hanging, std::size_t count, ContourLists& l) {
+  const std::size_t room = count + kInsertedAtEnd;
+  l.p.reserve(room);
+  l.bulge.reserve(room);
+  l.taper.reserve(room);
+  l.sources.reserve(room);
   for (std::size_t i = 0; i < count; ++i) {
     l.p.push_back(tool.vertices[i]);
     l.bulge.push_back(tool.bulges[i]);
@@ -231,7 +240,8 @@ void placeOvercut(const CToolPath& path, const WireCutSettings& settings, Contou
 }  // namespace
 
 ContourLists contourLists(const CToolPath& path, const Contour3bContext& context) {
-  const OffsetPath tool = path.wireCentrePath();
+  OffsetPath own;
+  const OffsetPath& tool = context.wires ? context.wires->of(path) : own = path.wireCentrePath();
   if (tool.ownMethod)
     context.report(formatChecked(context.message(134), {static_cast<long long>(path.nPathNo())}));
   ContourLists l;

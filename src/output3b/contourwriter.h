@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "frame/settings.h"
+#include "pathcmd/wirepaths.h"
 #include "toolpath/toolpath.h"
 
 namespace tarnex {
@@ -26,6 +27,7 @@ struct Contour3bContext {
   CornerRelief relief;                           // may be empty
   std::function<void(std::string_view)> report;  // lines for the command line
   std::function<std::string(int)> message;       // catalogue texts
+  WirePaths* wires = nullptr;                    // where wire paths are kept for others; may be null
 };
 
 // Writes the path. Without a wire path it writes catalogue message 2 as a line of its own.

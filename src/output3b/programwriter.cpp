@@ -146,13 +146,16 @@ class ProgramWriter {
 
   void paths() {
     makeRoom();
+    auto& wires = module_.state<WirePaths>();
+    wires.follow(drawing_);
     const Contour3bContext context{
         module_.settings,
         origin_,
         pause_,
         module_.settings.bAutoFix ? bindCornerRelief(module_, ReliefOf::kWireCentre) : CornerRelief{},
         [this](std::string_view line) { module_.editor.print(line); },
-        [this](int id) { return module_.message(id); }};
+        [this](int id) { return module_.message(id); },
+        &wires};
     bool any = false;
     for (std::size_t i = 0; i < ids_.size(); ++i) {
       module_.editor.acedSetStatusBarProgressMeterPos(static_cast<long>(i));

@@ -4,10 +4,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "contour/geometrylibrary.h"
-#include "host/database/boxtree.h"
 #include "host/geometry/offset.h"
+#include "pathcmd/spanfinder.h"
 #include "toolpath/toolpath.h"
 
 namespace tarnex {
@@ -15,27 +16,6 @@ namespace tarnex {
 namespace {
 
 constexpr double kTouching = 0.001;  // mm; rounding of a program adds up to less
-
-// A span with what it belongs to.
-struct OwnedSpan {
-  AcGePoint2d start, end;
-  double bulge;
-  std::uint32_t path;  // index of the path
-};
-
-// Holds the span; of an arc a little more.
-Extents2d boxOf(const OwnedSpan& s) {
-  Extents2d box;
-  box.add(s.start);
-  box.add(s.end);
-  if (s.bulge == 0) return box;
-  // An arc stays within the circle about its chord's middle through its ends or its crown.
-  const AcGePoint2d middle = midpoint(s.start, s.end);
-  const double reach = s.start.distanceTo(s.end) / 2 * std::max(1.0, std::abs(s.bulge));
-  Extents2d round;
-  round.add(middle);
-  return round.grown(reach);
-}
 
 // Least distance of two spans: their ends to each other, or 0 where they cross.
 double spanDistance(const OwnedSpan& a, const OwnedSpan& b, AcGePoint2d& at) {
@@ -63,20 +43,38 @@ double leftOffset(const PolylineCurve& contour, bool hole, double offset) {
   return hole == (signedArea(contour.vertices) > 0) ? offset : -offset;
 }
 
-// The smallest arc that the wire runs inside of and that is smaller than the offset; radius 0: none.
-TightArc smallestTightRadius(const PolylineCurve& contour, bool hole, double offset) {
+// As tightArcs, for a wire `toTheLeft` mm left of the contour.
+std::vector<TightArc> tightArcsBeside(const PolylineCurve& contour, double toTheLeft) {
+  std::vector<TightArc> tight;
+  const auto& v = contour.vertices;
+  for (std::size_t i = 0; i < v.size(); ++i) {
+    const AcGePoint2d end = v[(i + 1) % v.size()].point;
+    if (v[i].bulge == 0 || v[i].point == end || v[i].bulge * toTheLeft <= 0) continue;
+    const double radius = bulgeToCircle(v[i].point, end, v[i].bulge).radius;
+    if (radius < std::abs(toTheLeft)) tight.push_back({radius, v[i].point});
+  }
+  return tight;
+}
+
+// The smallest of them; radius 0: none.
+TightArc smallestTightArc(const PolylineCurve& contour, double toTheLeft) {
   TightArc tight;
-  for (const TightArc& arc : tightArcs(contour, hole, offset))
+  for (const TightArc& arc : tightArcsBeside(contour, toTheLeft))
     if (tight.radius == 0 || arc.radius < tight.radius) tight = arc;
   return tight;
 }
 
-// Unit direction of travel at the start of a span, or at its end: the chord's turned by half the sweep, whose
-// tangent is the bulge twice over.
-AcGeVector2d headingOf(AcGePoint2d start, AcGePoint2d end, double bulge, bool atEnd) {
+// Unit directions of travel at both ends of a span: the chord's turned by half the sweep, whose tangent is
+// the bulge twice over.
+struct Headings {
+  AcGeVector2d atStart, atEnd;
+};
+Headings headingsOf(AcGePoint2d start, AcGePoint2d end, double bulge) {
   const AcGeVector2d chord = (end - start).normal();
-  const double square = bulge * bulge, turn = (atEnd ? 2 : -2) * bulge;
-  return (chord * (1 - square) + chord.perpVector() * turn) * (1 / (1 + square));
+  if (bulge == 0) return {chord, chord};
+  const double square = bulge * bulge, size = 1 / (1 + square);
+  const AcGeVector2d ahead = chord * (1 - square), aside = chord.perpVector() * (2 * bulge);
+  return {(ahead - aside) * size, (ahead + aside) * size};
 }
 
 struct SharpCorner {
@@ -85,36 +83,39 @@ struct SharpCorner {
 };
 
 // The corner round whose outside the wire runs farthest out, when that is more than a few offsets.
-SharpCorner sharpestCorner(const PolylineCurve& contour, bool hole, double offset) {
+SharpCorner sharpestCorner(const PolylineCurve& contour, double toTheLeft) {
   constexpr double kFarOut = 6;  // offsets; a corner of 20 degrees
   SharpCorner sharp;
   const auto& v = contour.vertices;
-  const double toTheLeft = leftOffset(contour, hole, offset);
+  const double offset = std::abs(toTheLeft);
+  Headings before = headingsOf(v.back().point, v.front().point, v.back().bulge);
   for (std::size_t i = 0; i < v.size(); ++i) {
-    const auto &before = v[(i + v.size() - 1) % v.size()], &here = v[i];
-    const AcGePoint2d after = v[(i + 1) % v.size()].point;
-    if (before.point == here.point || here.point == after) continue;
-    const AcGeVector2d in = headingOf(before.point, here.point, before.bulge, true);
-    const AcGeVector2d out = headingOf(here.point, after, here.bulge, false);
+    const AcGePoint2d previous = v[i > 0 ? i - 1 : v.size() - 1].point, here = v[i].point;
+    const AcGePoint2d after = v[i + 1 < v.size() ? i + 1 : 0].point;
+    const AcGeVector2d in = before.atEnd;
+    before = headingsOf(here, after, v[i].bulge);
+    if (previous == here || here == after) continue;
+    const AcGeVector2d out = before.atStart;
     if (in.crossProduct(out) * toTheLeft >= 0) continue;
     const double halfTurnCosine = std::sqrt(std::max(0.0, (1 + in.dotProduct(out)) / 2));
-    const double reach = std::abs(offset) / std::max(halfTurnCosine, 1e-9);
-    if (reach > kFarOut * std::abs(offset) && reach > sharp.reach) sharp = {reach, here.point};
+    const double reach = offset / std::max(halfTurnCosine, 1e-9);
+    if (reach > kFarOut * offset && reach > sharp.reach) sharp = {reach, here};
   }
   return sharp;
 }
 
 class Survey {
  public:
-  Survey(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& ids, const WireOffset& offset)
-      : offset_(offset) {
+  Survey(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& ids, WirePaths& wires,
+         const WireOffset& offset)
+      : wirePaths_(wires), offset_(offset) {
     for (AcDbObjectId id : ids)
       if (const auto* path = drawing.peek<CToolPath>(id); path && path->numVerts() >= 3)
         paths_.push_back(path);
   }
 
   WireSurvey run() {
-    collect();
+    contours_.build(paths_);
     for (std::uint32_t i = 0; i < paths_.size(); ++i) {
       fate(i);
       neighbours(i);
@@ -124,23 +125,6 @@ class Survey {
   }
 
  private:
-  // Contour spans of all paths in one tree.
-  void collect() {
-    std::size_t count = 0;
-    for (const auto* path : paths_) count += path->polyline().vertices.size() - 2;
-    spans_.reserve(count);
-    std::vector<BoxTree::Item> boxes;
-    boxes.reserve(count);
-    for (std::uint32_t i = 0; i < paths_.size(); ++i) {
-      const auto& v = paths_[i]->polyline().vertices;
-      for (std::size_t k = 1; k + 1 < v.size(); ++k) {
-        spans_.push_back({v[k].point, v[k + 1].point, v[k].bulge, i});
-        boxes.push_back({boxOf(spans_.back()), static_cast<std::uint32_t>(spans_.size() - 1)});
-      }
-    }
-    tree_.build(std::move(boxes));
-  }
-
   void warn(WireTrouble trouble, std::uint32_t path, int other, AcGePoint2d at, double value, double limit) {
     const int number = paths_[path]->nPathNo();
     for (auto w = warnings_.rbegin(); w != warnings_.rend() && w->path == number; ++w)
@@ -156,14 +140,15 @@ class Survey {
   void fate(std::uint32_t i) {
     const CToolPath& p = *paths_[i];
     const double offset = wireOffset(p);
-    tool_ = offset_ ? p.computeOffset(p.nSide(), p.nDirection() * offset) : p.wireCentrePath();
+    tool_ = offset_ ? p.computeOffset(p.nSide(), p.nDirection() * offset) : wirePaths_.take(p);
     addLength(p);
     if (p.hasFlag(kOpenPath)) return;
     PolylineCurve contour{{p.polyline().vertices.begin() + 1, p.polyline().vertices.end() - 1}, true};
     const bool hole = p.nSide() == kInnerHole;
-    if (const auto small = smallestTightRadius(contour, hole, offset); small.radius > 0)
+    const double toTheLeft = leftOffset(contour, hole, offset);
+    if (const auto small = smallestTightArc(contour, toTheLeft); small.radius > 0)
       warn(WireTrouble::kRadiusBelowOffset, i, 0, small.at, small.radius, offset);
-    if (const auto sharp = sharpestCorner(contour, hole, offset); sharp.reach > 0)
+    if (const auto sharp = sharpestCorner(contour, toTheLeft); sharp.reach > 0)
       warn(WireTrouble::kSharpCorner, i, 0, sharp.at, sharp.reach, offset);
     // The host's offset tells by itself what became of the contour.
     const OffsetFate f = tool_.ownMethod ? fateUnderOffset(contour, hole, offset)
@@ -197,72 +182,75 @@ class Survey {
     }
   }
 
-  // Contour spans of other paths around the whole wire of path i, in the tree's order. False when they are so
-  // many that each span of the wire had better ask for itself.
+  // Contour spans of other paths around the whole wire of path i. False when they are so many that each span
+  // of the wire had better ask for itself.
   bool lookAround(std::uint32_t i, double reach) {
     constexpr std::size_t kFew = 64;
     Extents2d all;
     for (const OwnedSpan& wire : wires_) all.add(boxOf(wire));
-    found_.clear();
-    around_.clear();
-    if (!all.empty()) tree_.query(all.grown(reach), found_);
-    for (std::uint32_t k : found_)
-      if (spans_[k].path != i) around_.push_back({boxOf(spans_[k]), k});
-    return around_.size() <= kFew;
+    return contours_.find(all.grown(reach), i, kFew, around_);
+  }
+
+  // Points at which the line meets the path's own contour, along the contour.
+  template <class Each>
+  static void ownHits(const CToolPath& p, const LineCurve& line, const Each& each) {
+    const Extents2d box = boxOf({line.start, line.end}).grown(kTouching);
+    const auto& v = p.polyline().vertices;
+    for (std::size_t k = 1; k + 1 < v.size(); ++k) {
+      const OwnedSpan span{v[k].point, v[k + 1].point, v[k].bulge};
+      if (span.start == span.end || !box.overlaps(boxOf(span))) continue;
+      for (AcGePoint2d hit :
+           intersect(spanCurve(span.start, span.end, span.bulge), line, Extend::kOnBothOperands))
+        each(hit);
+    }
   }
 
   void leadIn(std::uint32_t i) {
     const CToolPath& p = *paths_[i];
     const AcGePoint2d t = p.getPointAt(0), q = p.getPointAt(1);
-    PolylineCurve contour{{p.polyline().vertices.begin() + 1, p.polyline().vertices.end()}, false};
-    for (AcGePoint2d hit : intersect(contour, LineCurve{t, q}, Extend::kOnBothOperands))
-      if (hit.distanceTo(q) > kTouching) {
-        warn(WireTrouble::kLeadInCrosses, i, p.nPathNo(), hit, 0, 0);
-        break;
-      }
+    const auto crossed = [&](AcGePoint2d hit) {
+      warn(WireTrouble::kLeadInCrosses, i, p.nPathNo(), hit, 0, 0);
+    };
+    ownHits(p, {t, q}, [&](AcGePoint2d hit) {
+      if (hit.distanceTo(q) > kTouching) crossed(hit);
+    });
     // Where the span under Q has vanished the wire goes in elsewhere, and on its way meets nothing either.
     if (tool_.vertices.size() > 1 && std::abs(wireOffset(p)) > kTouching)
-      for (AcGePoint2d hit : intersect(contour, LineCurve{t, tool_.vertices[1]}, Extend::kOnBothOperands))
-        warn(WireTrouble::kLeadInCrosses, i, p.nPathNo(), hit, 0, 0);
+      ownHits(p, {t, tool_.vertices[1]}, crossed);
     nearest({p.getPointAt(0), p.getPointAt(1), 0, i}, 0, WireTrouble::kLeadInCrosses, 0);
   }
 
   // Contour spans of other paths that come within `reach` of the span.
   void nearest(const OwnedSpan& span, double reach, WireTrouble trouble, double limit) {
     if (reach < 0) return;
-    found_.clear();
-    tree_.query(boxOf(span).grown(reach), found_);
-    for (std::uint32_t k : found_)
-      if (spans_[k].path != span.path) compare(span, k, reach, trouble, limit);
+    constexpr auto kAll = std::numeric_limits<std::size_t>::max();
+    (void)contours_.find(boxOf(span).grown(reach), span.path, kAll, found_);
+    for (const BoxedSpan& other : found_) compare(span, other.span, reach, trouble, limit);
   }
 
-  void nearestOf(const std::vector<BoxTree::Item>& others, const OwnedSpan& span, double reach,
+  void nearestOf(const std::vector<BoxedSpan>& others, const OwnedSpan& span, double reach,
                  WireTrouble trouble, double limit) {
     if (others.empty()) return;
     const Extents2d box = boxOf(span).grown(reach);
-    for (const auto& other : others)
-      if (touch(box, other.box)) compare(span, other.key, reach, trouble, limit);
+    for (const BoxedSpan& other : others)
+      if (box.overlaps(other.box)) compare(span, other.span, reach, trouble, limit);
   }
 
-  static bool touch(const Extents2d& a, const Extents2d& b) {
-    return a.low.x <= b.high.x && b.low.x <= a.high.x && a.low.y <= b.high.y && b.low.y <= a.high.y;
-  }
-
-  void compare(const OwnedSpan& span, std::uint32_t k, double reach, WireTrouble trouble, double limit) {
+  void compare(const OwnedSpan& span, const OwnedSpan& other, double reach, WireTrouble trouble,
+               double limit) {
     AcGePoint2d at;
-    const double distance = spanDistance(span, spans_[k], at);
+    const double distance = spanDistance(span, other, at);
     if (distance < reach || (reach == 0 && distance == 0))
-      warn(trouble, span.path, paths_[spans_[k].path]->nPathNo(), at, distance, limit);
+      warn(trouble, span.path, paths_[other.path]->nPathNo(), at, distance, limit);
   }
 
+  WirePaths& wirePaths_;
   const WireOffset& offset_;
   std::vector<const CToolPath*> paths_;
-  std::vector<OwnedSpan> spans_;
-  BoxTree tree_;
+  SpanFinder contours_;
   OffsetPath tool_;
   std::vector<OwnedSpan> wires_;
-  std::vector<BoxTree::Item> around_;
-  std::vector<std::uint32_t> found_;
+  std::vector<BoxedSpan> around_, found_;
   std::vector<WireWarning> warnings_;
   double cutLength_ = 0;
 };
@@ -292,21 +280,19 @@ bool vanishesUnderOffset(const PolylineCurve& contour, bool hole, double offset)
 }
 
 std::vector<TightArc> tightArcs(const PolylineCurve& contour, bool hole, double offset) {
-  std::vector<TightArc> tight;
-  const auto& v = contour.vertices;
-  const double toTheLeft = leftOffset(contour, hole, offset);
-  for (std::size_t i = 0; i < v.size(); ++i) {
-    const AcGePoint2d end = v[(i + 1) % v.size()].point;
-    if (v[i].bulge == 0 || v[i].point == end || v[i].bulge * toTheLeft <= 0) continue;
-    const double radius = bulgeToCircle(v[i].point, end, v[i].bulge).radius;
-    if (radius < std::abs(offset)) tight.push_back({radius, v[i].point});
-  }
-  return tight;
+  return tightArcsBeside(contour, leftOffset(contour, hole, offset));
+}
+
+WireSurvey surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths,
+                       WirePaths& known) {
+  known.follow(drawing);
+  return Survey(drawing, paths, known, {}).run();
 }
 
 WireSurvey surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths,
                        const WireOffset& offset) {
-  return Survey(drawing, paths, offset).run();
+  WirePaths none;
+  return Survey(drawing, paths, none, offset).run();
 }
 
 }  // namespace tarnex

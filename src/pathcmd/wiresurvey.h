@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/database/database.h"
+#include "pathcmd/wirepaths.h"
 
 namespace tarnex {
 
@@ -38,6 +39,9 @@ struct WireSurvey {
 using WireOffset = std::function<double(const CToolPath& path)>;
 [[nodiscard]] WireSurvey surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths,
                                      const WireOffset& offset = {});
+// By the paths' own offsets, with wire paths that are known already; those looked at are `known` no longer.
+[[nodiscard]] WireSurvey surveyWires(const AcDbDatabase& drawing, const std::vector<AcDbObjectId>& paths,
+                                     WirePaths& known);
 
 // What becomes of one closed contour beside which a wire runs `offset` mm away.
 struct OffsetFate {

@@ -102,6 +102,32 @@ TEST_F(Wires, ANeighbourWithinReach) {
   EXPECT_THAT(told(), IsEmpty());
 }
 
+// The side that leans towards the first contour has 90 spans; its last vertex alone comes near.
+TEST_F(Wires, ANeighbourOfManySpans) {
+  cut(box(0, 0, 10, 10), {5, -3}, {5, 0}, kOuterShape);
+  PolylineCurve leaning{{{{40, 0}, 0}, {{40, 9}, 0}}, true};
+  for (int k = 90; k >= 0; --k) leaning.vertices.push_back({{10.12 + 0.2 * (90 - k), 0.1 * k}, 0});
+  cut(leaning, {43, 5}, {40, 5}, kOuterShape);
+  ASSERT_THAT(told(), ElementsAre(warning(WireTrouble::kCutsNeighbour, 1, 2),
+                                  warning(WireTrouble::kCutsNeighbour, 2, 1)));
+  EXPECT_NEAR(survey.warnings[0].value, 0.04, 1e-9);  // from x = 10.08 to the vertex at 10.12
+}
+
+TEST_F(Wires, KnownWirePathsFollowTheirPaths) {
+  cut(box(0, 0, 10, 10), {5, -3}, {5, 0}, kOuterShape);
+  const AcDbObjectId id = state().PathList[0];
+  WirePaths known;
+  const auto corner = [&] {
+    known.follow(drawing());
+    return known.of(*drawing().peek<CToolPath>(id)).vertices[2];
+  };
+  EXPECT_NEAR(corner().distanceTo({10.08, -0.08}), 0, 1e-9);
+  drawing().open<CToolPath>(id, OpenMode::kForWrite)->setOffset(0.2);
+  EXPECT_NEAR(corner().distanceTo({10.2, -0.2}), 0, 1e-9);
+  // Round the square at 0.2 mm, lead-in and return 2.8 mm each: the survey takes what is known.
+  EXPECT_NEAR(surveyWires(drawing(), {id}, known).cutLength, 2 * 2.8 + 4 * 10.4, 1e-6);
+}
+
 TEST_F(Wires, ALeadInThroughAContour) {
   cut(box(0, 0, 10, 10), {5, -6}, {5, 0}, kOuterShape);
   cut(box(4, -4, 2, 2), {2, -3}, {4, -3}, kOuterShape);

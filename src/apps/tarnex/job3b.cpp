@@ -64,7 +64,7 @@ class Job3b : public DrawingJob {
 
   void survey() override {
     const auto& list = session_.module().state<PathState>().PathList;
-    const WireSurvey wires = surveyWires(session_.drawing(), list);
+    const WireSurvey wires = surveyWires(session_.drawing(), list, session_.module().state<WirePaths>());
     result_.cutLength = wires.cutLength;
     for (const auto& warning : wires.warnings) result_.warnings.push_back(sentenceOf(warning));
   }

@@ -22,22 +22,39 @@ bool listed(const std::vector<std::string>& names, const std::string& name) {
   return std::any_of(names.begin(), names.end(), [&](const auto& n) { return sameName(n, name); });
 }
 
-}  // namespace
-
 template <class T>
-std::vector<AcDbObjectId> JobSteps::shownOf() const {
-  const AcDbDatabase& drawing = session_.drawing();
+std::vector<AcDbObjectId> allShown(const AcDbDatabase& drawing) {
   std::vector<AcDbObjectId> ids;
   for (AcDbObjectId id : drawing.modelSpaceEntities())
     if (const T* entity = drawing.peek<T>(id); entity && drawing.isShown(*entity)) ids.push_back(id);
   return ids;
 }
 
-std::vector<AcDbObjectId> JobSteps::shown() const {
-  return shownOf<AcDbEntity>();
+}  // namespace
+
+bool JobSteps::holds(const AcRxClass& kind) {
+  const AcDbDatabase& drawing = session_.drawing();
+  if (kindsAsOf_ != drawing.changeStamp()) {
+    kinds_.clear();
+    for (AcDbObjectId id : drawing.modelSpaceEntities()) {
+      const AcRxClass* c = &drawing.peek<AcDbEntity>(id)->isA();
+      if (std::find(kinds_.begin(), kinds_.end(), c) == kinds_.end()) kinds_.push_back(c);
+    }
+    kindsAsOf_ = drawing.changeStamp();
+  }
+  return std::any_of(kinds_.begin(), kinds_.end(), [&](auto* c) { return c->isDerivedFrom(kind); });
 }
 
-bool JobSteps::hasPaths() const {
+template <class T>
+std::vector<AcDbObjectId> JobSteps::shownOf() {
+  return holds(T::desc()) ? allShown<T>(session_.drawing()) : std::vector<AcDbObjectId>();
+}
+
+std::vector<AcDbObjectId> JobSteps::shown() const {
+  return allShown<AcDbEntity>(session_.drawing());
+}
+
+bool JobSteps::hasPaths() {
   return !shownOf<CToolPath>().empty();
 }
 
@@ -115,8 +132,9 @@ void JobSteps::clean(std::vector<std::string>& said) {
 
 void JobSteps::joinLooseCurves(const LooseSurvey& loose, std::optional<double> gap) {
   std::vector<AcDbObjectId> splines, others;
+  const bool anySpline = holds(AcDbSpline::desc());
   for (AcDbObjectId id : loose.joinable)
-    (session_.drawing().peek<AcDbSpline>(id) ? splines : others).push_back(id);
+    (anySpline && session_.drawing().peek<AcDbSpline>(id) ? splines : others).push_back(id);
   for (AcDbObjectId id : shownOf<AcDbSpline>())
     if (session_.drawing().peek<AcDbSpline>(id)->isClosed()) splines.push_back(id);
   if (!splines.empty()) {

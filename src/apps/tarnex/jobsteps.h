@@ -42,7 +42,7 @@ class JobSteps {
   std::size_t mendOrder();
 
   [[nodiscard]] std::vector<AcDbObjectId> shown() const;  // model space entities that a selection would take
-  [[nodiscard]] bool hasPaths() const;
+  [[nodiscard]] bool hasPaths();
   [[nodiscard]] std::string named(const std::vector<AcDbObjectId>& ids) const;  // "&1F &20 ..."
   [[nodiscard]] std::string emptyPlace() const;  // a point for a window to begin at: nothing is there
   [[nodiscard]] std::string whatIsThere(const DxfReport& read, const ContourSurvey& found) const;
@@ -50,9 +50,14 @@ class JobSteps {
  private:
   std::size_t keptInside(AcDbObjectId reference) const;
   template <class T>
-  std::vector<AcDbObjectId> shownOf() const;
+  std::vector<AcDbObjectId> shownOf();
+  // Model space holds entities of that class. Most drawings hold few kinds: a step that looks for another one
+  // needs no walk through all entities.
+  bool holds(const AcRxClass& kind);
 
   Session& session_;
+  std::vector<const AcRxClass*> kinds_;     // of the entities of model space
+  std::optional<std::uint64_t> kindsAsOf_;  // the drawing's change stamp
   std::vector<std::string> turnedOff_;
 };
 

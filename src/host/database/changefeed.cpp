@@ -8,7 +8,8 @@ namespace tarnex {
 
 namespace {
 constexpr std::size_t kShortest = 1 << 16;  // touches that are always kept
-}
+constexpr std::uint64_t kFewOfAll = 16;     // below one id in so many they are sorted, else counted off
+}  // namespace
 
 void ChangeFeed::touch(AcDbObjectId id) {
   highest_ = std::max(highest_, id.index);
@@ -23,7 +24,15 @@ void ChangeFeed::touch(AcDbObjectId id) {
 bool ChangeFeed::since(std::uint64_t stamp, std::vector<AcDbObjectId>& ids) const {
   ids.clear();
   if (stamp < first_ || stamp > this->stamp()) return false;
-  ids.assign(log_.begin() + static_cast<std::ptrdiff_t>(stamp - first_), log_.end());
+  const auto from = log_.begin() + static_cast<std::ptrdiff_t>(stamp - first_);
+  if (countSince(stamp) > highest_ / kFewOfAll) {
+    std::vector<bool> touched(std::size_t{highest_} + 1);
+    std::for_each(from, log_.end(), [&](AcDbObjectId id) { touched[id.index] = true; });
+    for (std::uint32_t i = 0; i <= highest_; ++i)
+      if (touched[i]) ids.push_back({i});
+    return true;
+  }
+  ids.assign(from, log_.end());
   std::sort(ids.begin(), ids.end());
   ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
   return true;

@@ -150,6 +150,7 @@ class AcDbPolyline : public AcDbCurve {
   AcGePoint3d getStartPoint() const override;
   AcGePoint3d getEndPoint() const override;  // of a closed one: where it starts
   bool isClosed() const override { return curve_.closed; }
+  Extents2d getGeomExtents() const override;
   ErrorStatus getOffsetCurves(double distance,
                               std::vector<std::unique_ptr<AcDbCurve>>& curves) const override;
   ErrorStatus explode(std::vector<std::unique_ptr<AcDbEntity>>& parts) const override;
@@ -159,7 +160,7 @@ class AcDbPolyline : public AcDbCurve {
   ErrorStatus dwgOutFields(AcDbDwgFiler& filer) const override;
 
   [[nodiscard]] const PolylineCurve& polyline() const { return curve_; }
-  void setPolyline(PolylineCurve c) { change(curve_, std::move(c)); }
+  void setPolyline(PolylineCurve c);
   [[nodiscard]] int numVerts() const { return static_cast<int>(curve_.vertices.size()); }
   [[nodiscard]] AcGePoint2d getPointAt(int i) const {
     return curve_.vertices[static_cast<std::size_t>(i)].point;
@@ -171,11 +172,8 @@ class AcDbPolyline : public AcDbCurve {
   void setPointAt(int i, AcGePoint2d p);  // an index that isn't there: nothing happens, here and below
   void setBulgeAt(int i, double bulge);
   void removeVertexAt(int i);
-  void reset() {
-    assertWriteEnabled();
-    curve_.vertices.clear();
-  }
-  void setClosed(bool closed) { change(curve_.closed, closed); }
+  void reset() { curveToChange().vertices.clear(); }
+  void setClosed(bool closed);
   [[nodiscard]] double elevation() const { return elevation_; }
   void setElevation(double z) { change(elevation_, z); }
 
@@ -183,7 +181,14 @@ class AcDbPolyline : public AcDbCurve {
   AcDbPolyline(const AcDbPolyline&) = default;
 
  private:
+  // Every change of the curve goes through here.
+  PolylineCurve& curveToChange() {
+    assertWriteEnabled();
+    extents_ = {};
+    return curve_;
+  }
   PolylineCurve curve_;
+  mutable Extents2d extents_;  // empty until somebody asks
   double elevation_ = 0;
 };
 

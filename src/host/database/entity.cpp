@@ -17,9 +17,9 @@ const AcRxClass& AcDbEntity::desc() {
 // A copy is neither lit up nor hidden.
 AcDbEntity::AcDbEntity(const AcDbEntity& other)
     : AcDbObject(other),
+      color_(other.color_),
       layer_(other.layer_),
       linetype_(other.linetype_),
-      color_(other.color_),
       invisible_(other.invisible_) {}
 
 void AcDbEntity::setPropertiesFrom(const AcDbEntity& other) {

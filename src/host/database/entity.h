@@ -84,8 +84,8 @@ class AcDbEntity : public AcDbObject {
   AcDbEntity(const AcDbEntity& other);
 
  private:
+  std::int16_t color_ = kColorByLayer;  // first: it stands beside the small members of the object
   AcDbObjectId layer_, linetype_;
-  std::int16_t color_ = kColorByLayer;
   bool invisible_ = false, highlighted_ = false, hidden_ = false;
 };
 

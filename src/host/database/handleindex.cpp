@@ -28,6 +28,7 @@ std::size_t HandleIndex::slotOf(std::uint64_t handle) const {
 }
 
 std::size_t HandleIndex::ascendingAt(std::uint64_t handle) const {
+  if (ascending_.empty() || handle > ascending_.back()) return ascending_.size();
   const auto it = std::lower_bound(ascending_.begin(), ascending_.end(), handle);
   return it != ascending_.end() && *it == handle ? static_cast<std::size_t>(it - ascending_.begin())
                                                  : ascending_.size();

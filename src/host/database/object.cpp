@@ -43,7 +43,8 @@ const AcRxClass& AcDbObject::desc() {
   return kClass;
 }
 
-AcDbObject::AcDbObject(const AcDbObject& other) : source_(other.source_), changed_(true) {
+AcDbObject::AcDbObject(const AcDbObject& other)
+    : sourceOffset_(other.sourceOffset_), sourceLength_(other.sourceLength_), changed_(true) {
   if (other.xdata_) xdata_ = std::make_unique<XData>(*other.xdata_);
 }
 

@@ -68,8 +68,11 @@ class AcDbObject {
     if (!writeReady_) prepareForChange();
   }
 
-  [[nodiscard]] SourceRef source() const { return source_; }
-  void setSource(SourceRef s) { source_ = s; }
+  [[nodiscard]] SourceRef source() const { return {sourceOffset_, sourceLength_}; }
+  void setSource(SourceRef s) {
+    sourceOffset_ = s.offset;
+    sourceLength_ = s.length;
+  }
   [[nodiscard]] bool changedSinceRead() const { return changed_; }
 
  protected:
@@ -89,13 +92,15 @@ class AcDbObject {
   using XData = std::vector<std::pair<std::string, ResBufChain>>;
   void prepareForChange();
 
+  // Large drawings hold many of them: large members come first, so that nothing is lost to alignment.
   AcDbDatabase* database_ = nullptr;
   std::uint64_t handle_ = 0;
-  SourceRef source_;
+  std::uint64_t sourceOffset_ = 0;
+  std::unique_ptr<XData> xdata_;
+  std::uint32_t sourceLength_ = 0;
   AcDbObjectId id_, owner_;
   std::int16_t readers_ = 0;
   bool writer_ = false, writeReady_ = false, erased_ = false, changed_ = false;
-  std::unique_ptr<XData> xdata_;
 };
 
 // An opened object; closes itself. Empty when it couldn't be opened (status() tells why).

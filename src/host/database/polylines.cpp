@@ -107,27 +107,40 @@ AcGePoint3d AcDbPolyline::getEndPoint() const {
   return lastVertex(curve_, elevation_);
 }
 
+// Asked for by views, selections and the index, several times between changes.
+Extents2d AcDbPolyline::getGeomExtents() const {
+  if (extents_.empty()) extents_ = AcDbCurve::getGeomExtents();
+  return extents_;
+}
+
+void AcDbPolyline::setPolyline(PolylineCurve c) {
+  if (!(curve_ == c)) curveToChange() = std::move(c);
+}
+void AcDbPolyline::setClosed(bool closed) {
+  if (curve_.closed != closed) curveToChange().closed = closed;
+}
 void AcDbPolyline::addVertexAt(int i, AcGePoint2d p, double bulge, double, double) {
-  assertWriteEnabled();
+  auto& vertices = curveToChange().vertices;
   const auto at = std::clamp<std::ptrdiff_t>(i, 0, numVerts());
-  curve_.vertices.insert(curve_.vertices.begin() + at, {p, bulge});
+  vertices.insert(vertices.begin() + at, {p, bulge});
 }
 void AcDbPolyline::setPointAt(int i, AcGePoint2d p) {
-  if (i >= 0 && i < numVerts()) change(curve_.vertices[static_cast<std::size_t>(i)].point, p);
+  if (i >= 0 && i < numVerts() && getPointAt(i) != p)
+    curveToChange().vertices[static_cast<std::size_t>(i)].point = p;
 }
 void AcDbPolyline::setBulgeAt(int i, double bulge) {
-  if (i >= 0 && i < numVerts()) change(curve_.vertices[static_cast<std::size_t>(i)].bulge, bulge);
+  if (i >= 0 && i < numVerts() && getBulgeAt(i) != bulge)
+    curveToChange().vertices[static_cast<std::size_t>(i)].bulge = bulge;
 }
 void AcDbPolyline::removeVertexAt(int i) {
   if (i < 0 || i >= numVerts()) return;
-  assertWriteEnabled();
-  curve_.vertices.erase(curve_.vertices.begin() + i);
+  auto& vertices = curveToChange().vertices;
+  vertices.erase(vertices.begin() + i);
 }
 
 ErrorStatus AcDbPolyline::transformBy(const AcGeMatrix3d& m) {
   if (const ErrorStatus s = canTransform(curve_, m); s != ErrorStatus::eOk) return s;
-  assertWriteEnabled();
-  transformVertices(curve_, m);
+  transformVertices(curveToChange(), m);
   elevation_ = m.apply(AcGePoint3d{0, 0, elevation_}).z;
   return ErrorStatus::eOk;
 }
@@ -149,9 +162,9 @@ ErrorStatus AcDbPolyline::moveGripPointsAt(const std::vector<int>& indices, cons
   const auto there = [&](int i) { return i >= 0 && i < numVerts(); };
   if (!std::all_of(indices.begin(), indices.end(), there)) return ErrorStatus::eInvalidInput;
   if (indices.empty()) return ErrorStatus::eOk;
-  assertWriteEnabled();
+  auto& vertices = curveToChange().vertices;
   for (const int i : indices) {
-    AcGePoint2d& p = curve_.vertices[static_cast<std::size_t>(i)].point;
+    AcGePoint2d& p = vertices[static_cast<std::size_t>(i)].point;
     p = p + AcGeVector2d{offset.x, offset.y};
   }
   return ErrorStatus::eOk;
@@ -181,8 +194,7 @@ ErrorStatus AcDbPolyline::dwgInFields(AcDbDwgFiler& filer) {
     const AcGePoint2d p = filer.readPoint2d();
     read.vertices.push_back({p, filer.readDouble()});
   }
-  assertWriteEnabled();
-  curve_ = std::move(read);
+  curveToChange() = std::move(read);
   elevation_ = elevation;
   return filer.filerStatus();
 }

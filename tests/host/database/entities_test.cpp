@@ -1,6 +1,9 @@
 // Entities one by one: what transformations, explosions, offsets, snaps, drawing and listing make of them.
 #include <gmock/gmock.h>
 
+#include <array>
+#include <cmath>
+
 #include "host/database/drawn.h"
 
 namespace tarnex {
@@ -232,6 +235,37 @@ TEST(Polyline, EditsByIndexAndIgnoresWrongOnes) {
   EXPECT_EQ(path.moveGripPointsAt({0, 2}, {1, 1, 0}), ErrorStatus::eOk);
   EXPECT_EQ(path.getPointAt(0), (AcGePoint2d{1, 1}));
   EXPECT_EQ(path.getPointAt(1), (AcGePoint2d{1, 0}));
+}
+
+TEST(Polyline, ExtentsFollowEveryEdit) {
+  AcDbPolyline path(PolylineCurve{{{{0, 0}, 0}, {{4, 0}, 0}, {{4, 2}, 0}}, false});
+  const auto around = [&] {
+    const Extents2d box = path.getGeomExtents();
+    return std::array{box.low.x, box.low.y, box.high.x, box.high.y};
+  };
+  EXPECT_THAT(around(), ElementsAre(0, 0, 4, 2));
+  path.setPointAt(1, {6, 0});
+  EXPECT_THAT(around(), ElementsAre(0, 0, 6, 2));
+  path.setBulgeAt(0, 1);  // half a circle below, about (3,0)
+  EXPECT_NEAR(around()[1], -3, kTiny);
+  path.setBulgeAt(0, 0);
+  path.addVertexAt(9, {-1, 0}, 0, -1, -1);
+  EXPECT_THAT(around(), ElementsAre(-1, 0, 6, 2));
+  path.removeVertexAt(3);
+  EXPECT_THAT(around(), ElementsAre(0, 0, 6, 2));
+  path.setBulgeAt(2, -1);  // of the span that closing adds, from (4,2) to (0,0)
+  EXPECT_THAT(around(), ElementsAre(0, 0, 6, 2));
+  path.setClosed(true);  // about (2,1), radius √5, the half below
+  EXPECT_NEAR(around()[1], 1 - std::sqrt(5), kTiny);
+  path.setClosed(false);
+  ASSERT_EQ(path.moveGripPointsAt({2}, {0, 3, 0}), ErrorStatus::eOk);
+  EXPECT_THAT(around(), ElementsAre(0, 0, 6, 5));
+  ASSERT_EQ(path.transformBy(kMirrorAtY), ErrorStatus::eOk);
+  EXPECT_THAT(around(), ElementsAre(-6, 0, 0, 5));
+  path.setPolyline({{{{1, 1}, 0}, {{2, 3}, 0}}, false});
+  EXPECT_THAT(around(), ElementsAre(1, 1, 2, 3));
+  path.reset();
+  EXPECT_TRUE(path.getGeomExtents().empty());
 }
 
 TEST(HeavyPolyline, BecomesALightOneOfTheDrawnShape) {
