@@ -107,6 +107,18 @@ TEST_F(JobIsoChoice, WhatAProgramLacksIsToldAndTheProgramStands) {
   }
 }
 
+// 20,000 of its 35,480 bytes: the block rows end within, nothing behind them is there.
+TEST_F(JobIsoChoice, APostThatIsCutOffIsToldAndUsedAsFarAsItGoes) {
+  sh("tarnex post list");  // makes the install folder
+  const std::string whole = read("install/MZS/SODICK/SODICK.pc");
+  ASSERT_EQ(whole.size(), 35480u);
+  write("install/MZS/SODICK/Short.pc", whole.substr(0, 20000));
+  const Ran ran = sh("tarnex iso square.dxf -o s.nc --machine SODICK/Short");
+  EXPECT_EQ(ran.code, 0);
+  EXPECT_THAT(ran.out,
+              HasSubstr("MZS\\SODICK\\Short.pc: 20000 of 35480 bytes, missing is part of the block rows"));
+}
+
 // Sixty short spans: none of them takes a tab of 5 mm, and its perimeter of 18.8 has room for one.
 TEST_F(JobIsoChoice, NoContourIsLostForWantOfAPlaceForItsTab) {
   std::string outline;

@@ -94,6 +94,14 @@ JobFault machineFault(const IsoJob& job, const std::string& folder) {
   return there ? JobFault{} : noMachine(job.machine(), folder);
 }
 
+std::string postProblem(const IsoJob& job, const std::string& folder) {
+  const auto bytes = readFile(realPath(postPath(folder, job.layout.sPostPath, job.layout.sMachine)));
+  if (!bytes) return bytes.error.text();
+  MachinePost post;
+  return decodePost(*bytes.value, "MZS\\" + job.layout.sPostPath + "\\" + job.layout.sMachine + ".pc", post)
+      .problem;
+}
+
 std::string programExtension(const IsoJob& job, const std::string& folder) {
   MachinePost post;
   (void)readPost(postPath(folder, job.layout.sPostPath, job.layout.sMachine), post);

@@ -32,6 +32,8 @@ struct IsoJob {
                                 const DrawingVars* drawing, IsoJob& job);
 // The job's machine isn't there: those that are, and the nearest by name.
 [[nodiscard]] JobFault machineFault(const IsoJob& job, const std::string& folder);
+// What the file of the job's post lacks, one sentence; empty where it is as it should be.
+[[nodiscard]] std::string postProblem(const IsoJob& job, const std::string& folder);
 // Of its programs, as the machine's post has it; "iso" where it has none.
 [[nodiscard]] std::string programExtension(const IsoJob& job, const std::string& folder);
 

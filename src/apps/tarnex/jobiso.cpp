@@ -68,6 +68,8 @@ class JobIso : public DrawingJob {
       return fail(fault.exitCode, fault.why);
     if (const auto fault = machineFault(job_, folder_.path()); fault.exitCode != kDone)
       return fail(fault.exitCode, fault.why);
+    if (auto problem = postProblem(job_, folder_.path()); !problem.empty())
+      result_.warnings.push_back(std::move(problem));
     result_.machine = job_.machine();
     result_.program = programFileOf(result_.drawing, options_, programExtension(job_, folder_.path()));
     std::vector<std::string> lines{"SET bKeepJob 0"};
