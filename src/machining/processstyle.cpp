@@ -81,4 +81,11 @@ void SharedStyle::set(const ProcessStyle& style) {
   if (!(*style_ == style)) style_ = std::make_shared<const ProcessStyle>(style);
 }
 
+double largestOffset(const ProcessStyle& style, int nSide) {
+  double largest = 0;
+  for (int g = 0; g < passesOf(style); ++g)
+    largest = std::max(largest, style.passes[static_cast<std::size_t>(g)].dValue1 - nSide * style.dValueA);
+  return largest;
+}
+
 }  // namespace tarnex

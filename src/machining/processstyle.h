@@ -34,6 +34,9 @@ struct ProcessStyle {
 
 // How many passes the writers cut: |nPassLast| + 1, held to 1 .. kMostPasses.
 [[nodiscard]] int passesOf(const ProcessStyle& style);
+// The largest wire offset of its passes, mm; nSide 1: a hole, where the fit makes it smaller, -1: an outer
+// shape.
+[[nodiscard]] double largestOffset(const ProcessStyle& style, int nSide);
 // What the kind of a style, nCode % 100, asks for; every other kind asks for nothing.
 struct StyleKind {
   static constexpr int kSwapInner = 2, kSwapOuter = 3, kFirstPassWord = 4;

@@ -2,23 +2,12 @@
 // Knows runs that the writers have left; nothing is written here.
 #include "outputiso/figuretrouble.h"
 
-#include <algorithm>
-#include <cmath>
-
 #include "contour/geometrylibrary.h"
 #include "frame/settings.h"
 
 namespace tarnex {
 
 namespace {
-
-// Larger of all passes, mm; what a style of a kind asks for is in the side, not in the size.
-double largestOffset(const ProcessStyle& style, int nSide) {
-  double largest = 0;
-  for (int pass = 0; pass < passesOf(style); ++pass)
-    largest = std::max(largest, style.passes[static_cast<std::size_t>(pass)].dValue1 - nSide * style.dValueA);
-  return largest;
-}
 
 // The smallest arc that a wire runs inside of and that is too small for it.
 std::optional<FigureNote> tightestArc(const FigureJob& job) {

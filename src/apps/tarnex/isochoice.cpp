@@ -158,11 +158,4 @@ StyleChoice::Figure figureOf(const AcDbDatabase& drawing, const AcDbEntity& cont
   return {outer, layer ? layer->getName() : "0", drawing.effectiveColor(contour)};
 }
 
-double largestOffset(const ProcessStyle& style, int nSide) {
-  double largest = 0;
-  for (int g = 0; g < passesOf(style); ++g)
-    largest = std::max(largest, style.passes[static_cast<std::size_t>(g)].dValue1 - nSide * style.dValueA);
-  return largest;
-}
-
 }  // namespace tarnex

@@ -67,7 +67,4 @@ class StyleChoice {
 [[nodiscard]] StyleChoice::Figure figureOf(const AcDbDatabase& drawing, const AcDbEntity& contour,
                                            bool outer);
 
-// The largest of a style's wire offsets at a hole or an outer shape, mm.
-[[nodiscard]] double largestOffset(const ProcessStyle& style, int nSide);
-
 }  // namespace tarnex
