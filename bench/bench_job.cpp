@@ -38,7 +38,6 @@ void Steps::print(double floor, const Steps& before) const {
 namespace {
 
 constexpr const char* kFloor = "floor";
-constexpr std::size_t kMostForAllPairs = 10000;  // more paths would take minutes
 
 class JobBench {
  public:
@@ -119,7 +118,7 @@ class JobBench {
                }));
   }
 
-  // On paths in random order, as a drawing may hold them; the walk to the nearest looks at every pair.
+  // On paths in random order, as a drawing may hold them.
   void ordering(Session& session) {
     auto& state = session.module().state<PathState>();
     const auto made = state.PathList;
@@ -128,11 +127,8 @@ class JobBench {
     const int last = static_cast<int>(made.size()) - 1;
     state.PathList = shuffled;
     steps_.add("ordering by length", secondsOf([&] { sortByLength(session.drawing(), state); }));
-    if (made.size() <= kMostForAllPairs) {
-      state.PathList = shuffled;
-      steps_.add("ordering to the nearest (all pairs)",
-                 secondsOf([&] { sortNearest(session.drawing(), state, 0, last); }));
-    }
+    state.PathList = shuffled;
+    steps_.add("ordering to the nearest", secondsOf([&] { sortNearest(session.drawing(), state, 0, last); }));
     state.PathList = made;
     renumberAll(session.drawing(), state);
   }

@@ -3,14 +3,15 @@
 #include "pathcmd/paths.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "pathcmd/exchangesort.h"
+#include "pathcmd/nearestfirst.h"
 
 namespace tarnex {
 
 namespace {
 
-constexpr double kFarAway = 99999.0;   // mm; no path farther than this is the nearest
 constexpr double kSameLength = 0.001;  // mm
 
 const CToolPath* pathAt(AcDbDatabase& drawing, AcDbObjectId id) {
@@ -25,56 +26,12 @@ std::optional<AcGePoint2d> startOf(AcDbDatabase& drawing, AcDbObjectId id) {
 
 struct Measured {
   AcDbObjectId id;
-  double length;  // mm
-  AcGePoint2d start;
+  NearestFirst::Member member;
 };
 
-// The walk among paths of one length. Where each path stands is kept beside an index by length, so that a
-// step looks at the paths of that length alone; they are looked at in the order of their places, as a scan
-// would.
-class EqualLengthWalk {
- public:
-  explicit EqualLengthWalk(std::vector<Measured>& paths)
-      : paths_(paths), place_(paths.size()), item_(paths.size()) {
-    for (std::size_t i = 0; i < paths.size(); ++i) place_[i] = item_[i] = i;
-    for (const auto& p : paths) lengths_.push_back(p.length);
-  }
-
-  // Among the paths from place `from` on that are as long as `length`, the nearest to p comes to place `to`.
-  void bringNearest(std::size_t from, std::size_t to, double length, AcGePoint2d p, double best) {
-    collect(from, length);
-    for (std::size_t j : places_) {
-      const double distance = paths_[j].start.distanceTo(p);
-      if (!(distance < best)) continue;
-      best = distance;
-      exchange(j, to);
-    }
-  }
-
- private:
-  void collect(std::size_t from, double length) {
-    places_.clear();
-    // A little wider than the tolerance; the exact test follows.
-    auto at = std::lower_bound(lengths_.begin(), lengths_.end(), length - 2 * kSameLength);
-    for (; at != lengths_.end() && *at <= length + 2 * kSameLength; ++at) {
-      const std::size_t j = place_[static_cast<std::size_t>(at - lengths_.begin())];
-      if (j >= from && !(std::abs(*at - length) > kSameLength)) places_.push_back(j);
-    }
-    std::sort(places_.begin(), places_.end());
-  }
-
-  void exchange(std::size_t a, std::size_t b) {
-    std::swap(paths_[a], paths_[b]);
-    std::swap(item_[a], item_[b]);
-    place_[item_[a]] = a;
-    place_[item_[b]] = b;
-  }
-
-  std::vector<Measured>& paths_;
-  std::vector<double> lengths_;            // ascending, by item
-  std::vector<std::size_t> place_, item_;  // of an item; at a place
-  std::vector<std::size_t> places_;
-};
+// Stands in for a path that can't be looked at: it keeps its place and is never the nearest.
+constexpr AcGePoint2d kNowhere{std::numeric_limits<double>::quiet_NaN(),
+                               std::numeric_limits<double>::quiet_NaN()};
 
 }  // namespace
 
@@ -104,22 +61,15 @@ void undoLastPath(AcDbDatabase& drawing, PathState& state) {
 }
 
 void sortNearest(AcDbDatabase& drawing, PathState& state, int first, int last) {
-  auto& list = state.PathList;
-  const auto end = std::min(static_cast<std::size_t>(std::max(last + 1, 0)), list.size());
-  std::vector<std::optional<AcGePoint2d>> starts;
-  for (AcDbObjectId id : list) starts.push_back(startOf(drawing, id));
-  for (std::size_t i = static_cast<std::size_t>(std::max(first, 0)); i + 1 < end; ++i) {
-    if (!starts[i]) continue;
-    double best = kFarAway;
-    for (std::size_t j = i + 1; j < end; ++j) {
-      if (!starts[j]) continue;
-      const double distance = starts[i]->distanceTo(*starts[j]);
-      if (!(distance < best)) continue;
-      best = distance;
-      std::swap(list[i + 1], list[j]);
-      std::swap(starts[i + 1], starts[j]);
-    }
-  }
+  const auto size = static_cast<int>(state.PathList.size());
+  const int begin = std::clamp(first, 0, size), end = std::clamp(last + 1, begin, size);
+  const std::vector<AcDbObjectId> ids(state.PathList.begin() + begin, state.PathList.begin() + end);
+  std::vector<NearestFirst::Member> starts;
+  for (AcDbObjectId id : ids) starts.push_back({startOf(drawing, id).value_or(kNowhere)});
+  NearestFirst row(starts);
+  row.runAll();
+  for (std::size_t i = 0; i < ids.size(); ++i)
+    state.PathList[static_cast<std::size_t>(begin) + i] = ids[row.origin(i)];
   renumberAll(drawing, state);
 }
 
@@ -127,20 +77,14 @@ void sortByLength(AcDbDatabase& drawing, PathState& state) {
   std::vector<Measured> paths;
   for (AcDbObjectId id : state.PathList)
     if (const auto* path = pathAt(drawing, id))
-      paths.push_back({id, path->contourLength(), path->getPointAt(0)});
-  exchangeSort(paths, [](const Measured& a, const Measured& b) { return a.length < b.length; });
-  EqualLengthWalk walk(paths);
-  for (std::size_t i = 0; i + 1 < paths.size(); ++i) {
-    const AcGePoint2d p = paths[i].start;
-    double length = paths[i].length;
-    if (std::abs(paths[i + 1].length - length) > kSameLength) {
-      length = paths[i + 1].length;
-      walk.bringNearest(i + 2, i + 1, length, p, p.distanceTo(paths[i + 1].start));
-    }
-    walk.bringNearest(i + 1, i + 1, length, p, kFarAway);
-  }
+      paths.push_back({id, {path->getPointAt(0), path->contourLength()}});
+  exchangeSort(paths, [](const Measured& a, const Measured& b) { return a.member.length < b.member.length; });
+  std::vector<NearestFirst::Member> members;
+  for (const Measured& path : paths) members.push_back(path.member);
+  NearestFirst row(members, kSameLength);
+  row.runAll();
   state.PathList.clear();
-  for (const auto& path : paths) state.PathList.push_back(path.id);
+  for (std::size_t i = 0; i < row.size(); ++i) state.PathList.push_back(paths[row.origin(i)].id);
   renumberAll(drawing, state);
 }
 

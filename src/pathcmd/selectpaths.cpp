@@ -6,6 +6,7 @@
 
 #include "contour/userinput.h"
 #include "machining/joblayout.h"
+#include "pathcmd/nearestfirst.h"
 #include "pathcmd/paths.h"
 
 namespace tarnex {
@@ -77,24 +78,15 @@ void sortByNumber(AcDbDatabase& drawing, Ids& ids) {
                    [&](AcDbObjectId a, AcDbObjectId b) { return number(a) < number(b); });
 }
 
-// The last path stays last.
+// The last path stays last. The one that the next is sought for gives up its place to it.
 void sortNearestNext(AcDbDatabase& drawing, Ids& ids) {
-  struct Start {
-    AcGePoint2d at;
-    AcDbObjectId id;
-  };
-  std::vector<Start> order;
-  for (AcDbObjectId id : ids) order.push_back({drawing.peek<CToolPath>(id)->getPointAt(0), id});
-  for (std::size_t i = 0; i + 2 < order.size(); ++i) {
-    const AcGePoint2d p = order[i].at;
-    double best = 99999.0;
-    for (std::size_t j = i + 1; j + 1 < order.size(); ++j)
-      if (const double distance = p.distanceTo(order[j].at); distance < best) {
-        best = distance;
-        std::swap(order[i], order[j]);
-      }
-  }
-  std::ranges::transform(order, ids.begin(), &Start::id);
+  std::vector<NearestFirst::Member> starts;
+  for (std::size_t i = 0; i + 1 < ids.size(); ++i)
+    starts.push_back({drawing.peek<CToolPath>(ids[i])->getPointAt(0)});
+  NearestFirst row(starts);
+  for (std::size_t i = 0; i + 1 < row.size(); ++i) row.run({i, i + 1, row.at(i).at, kFarAway});
+  const Ids before = ids;
+  for (std::size_t i = 0; i < row.size(); ++i) ids[i] = before[row.origin(i)];
 }
 
 // Paths of the job's styles in their order, the others behind them. Entries that aren't in use share a name;
