@@ -31,8 +31,9 @@ class Asking {
   enum class Snap { kRunning, kNone };
   [[nodiscard]] std::optional<AcGePoint3d> point(const std::string& text, const AcGePoint3d* base,
                                                  Snap snap = Snap::kRunning);
-  [[nodiscard]] std::optional<EntityPick> entityNamed(
-      const HandleText& named);  // complains when there is none
+  // Both complain when there is none. A list that looks at no point asks for the ids alone.
+  [[nodiscard]] std::optional<EntityPick> entityNamed(const HandleText& named);
+  [[nodiscard]] AcDbObjectId idNamed(const HandleText& named);
   [[nodiscard]] Answer<double> number(std::string_view prompt,
                                       const std::function<std::optional<double>(const std::string&)>& parse,
                                       const char* wanted);

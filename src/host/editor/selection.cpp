@@ -66,22 +66,27 @@ AcGePoint3d pointOn(const AcDbEntity& entity) {
     const Extents2d box = entity.getGeomExtents();
     return box.empty() ? AcGePoint3d{} : solid(midpoint(box.low, box.high));
   }
-  const Curve first = exploded(curves[0]).empty() ? curves[0] : exploded(curves[0])[0];
+  const std::vector<Curve> pieces = exploded(curves[0]);
+  const Curve& first = pieces.empty() ? curves[0] : pieces[0];
   if (std::holds_alternative<RayCurve>(first)) return solid(startPoint(first));
   return solid(pointAtDist(first, length(first) / 2).value_or(startPoint(first)));
 }
 
 }  // namespace
 
-std::optional<EntityPick> Asking::entityNamed(const HandleText& named) {
+AcDbObjectId Asking::idNamed(const HandleText& named) {
   const auto& db = *state_.drawing;
   const auto id = db.idOfHandle(named.handle);
   const auto* entity = id.isNull() ? nullptr : db.peek<AcDbEntity>(id);
-  if (!entity || entity->ownerId() != db.modelSpace()) {
-    complain("No entity of the drawing has the handle " + handleText(named.handle).substr(1) + ".");
-    return std::nullopt;
-  }
-  return EntityPick{id, named.at ? *named.at : pointOn(*entity)};
+  if (entity && entity->ownerId() == db.modelSpace()) return id;
+  complain("No entity of the drawing has the handle " + handleText(named.handle).substr(1) + ".");
+  return {};
+}
+
+std::optional<EntityPick> Asking::entityNamed(const HandleText& named) {
+  const AcDbObjectId id = idNamed(named);
+  if (id.isNull()) return std::nullopt;
+  return EntityPick{id, named.at ? *named.at : pointOn(*state_.drawing->peek<AcDbEntity>(id))};
 }
 
 // ---- the dialogue
@@ -176,8 +181,8 @@ Gathering::Next Gathering::handles(Asking& asking, const std::string& text) {
     const auto named = parseHandle(*word);
     if (!named)
       asking.complain("\"" + *word + "\" is no handle; handles are written &1F.");
-    else if (const auto pick = asking.entityNamed(*named))
-      ids.push_back(pick->entity);
+    else if (const AcDbObjectId id = asking.idNamed(*named); !id.isNull())
+      ids.push_back(id);
   }
   take(ids);
   return Next::kOn;
@@ -297,9 +302,10 @@ Answer<AcGePoint3d> AcEditor::acedGetCorner(const AcGePoint3d& first, std::strin
       std::string_view words = step.text;
       while (const auto word = takeWord(words)) {
         const auto named = parseHandle(*word);
-        const auto pick = named ? asking.entityNamed(*named) : std::nullopt;
-        if (!named) asking.complain("\"" + *word + "\" is no handle; handles are written &1F.");
-        if (pick) ids.push_back(pick->entity);
+        if (!named)
+          asking.complain("\"" + *word + "\" is no handle; handles are written &1F.");
+        else if (const AcDbObjectId id = asking.idNamed(*named); !id.isNull())
+          ids.push_back(id);
       }
       state_->namedInsteadOfCorner = std::move(ids);
       return {Reply::RTNORM, first};
