@@ -26,7 +26,8 @@ std::optional<SurveyedContour> closedContour(const AcDbDatabase& drawing, AcDbOb
   if (const auto* heavy = drawing.peek<AcDb2dPolyline>(id)) return surveyedContour(id, heavy->drawn());
   const auto* polyline = drawing.peek<AcDbPolyline>(id);
   if (!polyline || &polyline->isA() != &AcDbPolyline::desc()) return std::nullopt;
-  return surveyedContour(id, polyline->polyline());
+  if (!polyline->isClosed()) return surveyedContour(id, polyline->polyline());
+  return surveyedContour(id, polyline->polyline(), polyline->getGeomExtents());
 }
 
 bool isChainable(const AcDbEntity& e) {
@@ -70,7 +71,8 @@ void nestContours(std::vector<SurveyedContour>& contours) {
   }
 }
 
-std::optional<SurveyedContour> surveyedContour(AcDbObjectId id, PolylineCurve shape) {
+std::optional<SurveyedContour> surveyedContour(AcDbObjectId id, PolylineCurve shape,
+                                               const std::optional<Extents2d>& box) {
   auto& v = shape.vertices;
   if (!shape.closed && v.size() > 2 && v.front().point.distanceTo(v.back().point) <= kSamePoint) {
     v.pop_back();
@@ -81,7 +83,7 @@ std::optional<SurveyedContour> surveyedContour(AcDbObjectId id, PolylineCurve sh
   if (!isValid(curve)) return std::nullopt;
   SurveyedContour c;
   c.id = id;
-  c.box = extents(curve);
+  c.box = box ? *box : extents(curve);
   c.length = length(curve);
   c.shape = std::get<PolylineCurve>(std::move(curve));
   c.area = std::abs(signedArea(c.shape.vertices));

@@ -63,7 +63,9 @@ struct ContourSurvey {
 
 // Sets depth and parent of every contour from how they lie in each other.
 void nestContours(std::vector<SurveyedContour>& contours);
-// A contour that can be nested, from its shape; nothing when it isn't closed or holds no shape.
-[[nodiscard]] std::optional<SurveyedContour> surveyedContour(AcDbObjectId id, PolylineCurve shape);
+// A contour that can be nested, from its shape; nothing when it isn't closed or holds no shape. `box`: the
+// shape's extents, where somebody knows them.
+[[nodiscard]] std::optional<SurveyedContour> surveyedContour(AcDbObjectId id, PolylineCurve shape,
+                                                             const std::optional<Extents2d>& box = {});
 
 }  // namespace tarnex
