@@ -181,6 +181,21 @@ TEST_F(PathOrder, InsideComesFirstElseNothingMoves) {
   }
 }
 
+// Contours of two arcs: all of their inside lies beyond the box of their vertices.
+TEST_F(PathOrder, InsideComesFirstBeyondTheVertices) {
+  for (double bulge : {0.5, 1.0, 2.0}) {
+    auto lens = std::make_unique<CToolPath>();
+    const CToolPath::Making making{{-1, 0}, {0, 0}, -1, 1, 0.08, 0};
+    ASSERT_TRUE(lens->initContour(making, {{{{0, 0}, bulge}, {{10, 0}, bulge}}, true}, 0));
+    addPath(*module, std::move(lens), {}, kColorByLayer, nullptr);
+    circlePath({5, 5 * bulge - 1}, 0.5);  // the arcs reach 5 * bulge off their chord
+    circlePath({5, 5 * bulge + 1}, 0.5);  // outside
+    const auto order = state().PathList;
+    EXPECT_EQ(insideFirst(drawing(), order), (std::vector{order[1], order[0], order[2]})) << bulge;
+    clear();
+  }
+}
+
 class ChooseForProgram : public PathOrder {
  protected:
   ChooseForProgram() {
