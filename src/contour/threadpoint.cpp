@@ -15,6 +15,7 @@ struct ScanSpan {
   bool arc = false;
   double side = 0;  // of the arc: 1 left of the chord, -1 right
   SpanCircle circle;
+  double radiusSquare = 0;
 };
 
 std::vector<ScanSpan> scanSpans(const PolylineCurve& c) {
@@ -24,8 +25,9 @@ std::vector<ScanSpan> scanSpans(const PolylineCurve& c) {
     const auto& a = c.vertices[i];
     const AcGePoint2d end = c.vertices[(i + 1) % c.vertices.size()].point;
     if (a.point == end) continue;
-    ScanSpan s{a.point, end, a.bulge != 0, a.bulge > 0 ? -1.0 : 1.0, {}};
+    ScanSpan s{a.point, end, a.bulge != 0, a.bulge > 0 ? -1.0 : 1.0, {}, 0};
     if (s.arc) s.circle = bulgeToCircle(a.point, end, a.bulge);
+    s.radiusSquare = s.circle.radius * s.circle.radius;
     spans.push_back(s);
   }
   return spans;
@@ -44,10 +46,11 @@ struct Scan {
   std::size_t nearestSpan = 0;
 
   // Where the contour meets the line x = at (or y = at), as the other coordinate, ascending, each place once.
-  void hits(bool vertical, double at, std::vector<double>& out) const {
+  template <bool kVertical>
+  void hits(double at, std::vector<double>& out) const {
     out.clear();
-    const auto along = [&](AcGePoint2d p) { return vertical ? p.x : p.y; };
-    const auto other = [&](AcGePoint2d p) { return vertical ? p.y : p.x; };
+    const auto along = [](AcGePoint2d p) { return kVertical ? p.x : p.y; };
+    const auto other = [](AcGePoint2d p) { return kVertical ? p.y : p.x; };
     for (const ScanSpan& s : spans) {
       const double d0 = along(s.start) - at, d1 = along(s.end) - at;
       if (!s.arc) {
@@ -57,13 +60,13 @@ struct Scan {
           out.push_back(other(s.start) + (other(s.end) - other(s.start)) * (d0 / (d0 - d1)));
         continue;
       }
-      const double off = at - along(s.circle.centre), square = s.circle.radius * s.circle.radius - off * off;
+      const double off = at - along(s.circle.centre), square = s.radiusSquare - off * off;
       if (square < 0) continue;
-      for (double sign : {-1.0, 1.0}) {
-        const double v = other(s.circle.centre) + sign * std::sqrt(square);
-        const AcGePoint2d p = vertical ? AcGePoint2d{at, v} : AcGePoint2d{v, at};
+      const double half = std::sqrt(square);
+      for (double v : {other(s.circle.centre) - half, other(s.circle.centre) + half}) {
+        const AcGePoint2d p = kVertical ? AcGePoint2d{at, v} : AcGePoint2d{v, at};
         const double beside = (s.end - s.start).crossProduct(p - s.start) * s.side;
-        if (beside >= -roundoff(s.circle.radius * s.circle.radius)) out.push_back(v);
+        if (beside >= -roundoff(s.radiusSquare)) out.push_back(v);
       }
     }
     std::sort(out.begin(), out.end());
@@ -115,7 +118,7 @@ struct Scan {
 
   // Half the longest horizontal chord that m lies on.
   double halfChordAcross(AcGePoint2d m) {
-    hits(false, m.y, across);
+    hits<false>(m.y, across);
     double half = 0;
     for (std::size_t k = 0; k + 1 < across.size(); k += 2)
       if (across[k] < m.x && m.x < across[k + 1]) half = std::max(half, (across[k + 1] - across[k]) / 2);
@@ -124,7 +127,7 @@ struct Scan {
 
   // The middle of the horizontal chord through m, when it lies farther from the contour than m.
   void centre(AcGePoint2d& m, double& away) {
-    hits(false, m.y, across);
+    hits<false>(m.y, across);
     for (std::size_t k = 0; k + 1 < across.size(); k += 2) {
       if (!(across[k] < m.x && m.x < across[k + 1])) continue;
       const AcGePoint2d moved{(across[k] + across[k + 1]) / 2, m.y};
@@ -151,7 +154,7 @@ struct Scan {
   }
 
   void station(double x) {
-    hits(true, x, up);
+    hits<true>(x, up);
     for (std::size_t k = 0; k + 1 < up.size(); k += 2)
       offer({x, (up[k] + up[k + 1]) / 2}, (up[k + 1] - up[k]) / 2);
   }
