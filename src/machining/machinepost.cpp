@@ -181,7 +181,7 @@ int MachinePost::paramInt(std::size_t slot) const {
 
 std::string_view MachinePost::rowText(int row, int which) const {
   if (row < 0 || which < 0 || which > 2 || row > static_cast<int>(kRowTexts) / 3) return {};
-  const auto i = static_cast<std::size_t>(3 * row + which);
+  const auto i = 3 * static_cast<std::size_t>(row) + static_cast<std::size_t>(which);
   return i < kRowTexts ? std::string_view(blockRow[i]) : std::string_view();
 }
 

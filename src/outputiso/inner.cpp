@@ -36,7 +36,7 @@ std::optional<InnerWriter::SharpCorner> InnerWriter::markedCorner(int i) const {
   if (i + 3 >= n() || B(i + 1) == 0.0) return std::nullopt;
   const auto& vertices = path_.aCodeVertex();
   const auto code =
-      std::find(vertices.begin(), vertices.end(), run_.lists.pathVertex[static_cast<std::size_t>(i + 1)]);
+      std::find(vertices.begin(), vertices.end(), run_.lists.pathVertex[static_cast<std::size_t>(i) + 1]);
   if (code == vertices.end()) return std::nullopt;
   const std::string& text = path_.aCodeText()[static_cast<std::size_t>(code - vertices.begin())];
   const bool tapered = passTaper_ != 0.0 || T(i) != 0.0 || T(i + 2) != 0.0;

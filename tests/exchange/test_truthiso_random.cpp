@@ -185,8 +185,8 @@ bool onContour(const std::vector<std::string>& lines, std::size_t k) {
                      });
 }
 
-// The number behind X grows or shrinks by 40 micrometres, or by 400 where a block may lie a count of 10 beside
-// its contour.
+// The number behind X grows or shrinks by 40 micrometres, or by 400 where a block may lie a count of 10
+// beside its contour.
 bool moveX(std::string& line, bool coarse) {
   const auto x = line.find('X');
   const auto end = std::min(line.find_first_not_of("+-.0123456789", x + 1), line.size());

@@ -30,7 +30,8 @@ bool drawable(const AcGePoint3d& p) {
 // Millions of small things: the system's pages, met one by one, would cost as much as recording them.
 template <class T>
 void makeRoom(std::vector<T>& room, double count) {
-  const double held = std::min(count, static_cast<double>(kMostReserved / sizeof(T)));
+  constexpr std::size_t kMost = kMostReserved / sizeof(T);
+  const double held = std::min(count, static_cast<double>(kMost));
   const auto wanted = static_cast<std::size_t>(std::ceil(held));
   if (wanted <= room.capacity()) return;
   room.reserve(wanted);

@@ -282,7 +282,8 @@ class Parts {
 }  // namespace
 
 void drawSvg(const DisplayList& list, const SvgOptions& options, const Sink& sink) {
-  const Page page = layoutPage(list, options);
+  const PageOptions& paper = options;
+  const Page page = layoutPage(list, paper);
   sink(headOf(list, options, page));
   Parts(list, options, page).write(sink);
 }

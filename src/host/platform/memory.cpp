@@ -5,8 +5,8 @@
 #include <sys/mman.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdlib>
+#include <memory>
 
 #if defined(__GLIBC__)
 #include <malloc.h>
@@ -26,10 +26,10 @@ constexpr int kOwnMapping = 1 << 20;                    // blocks from here on d
 }  // namespace
 
 void expectFilled(void* block, std::size_t bytes) {
-  const auto begin = reinterpret_cast<std::uintptr_t>(block);
-  const auto from = (begin + kLargePage - 1) / kLargePage * kLargePage;
-  const auto to = (begin + bytes) / kLargePage * kLargePage;  // a page that others share stays as it is
-  if (from < to) (void)madvise(reinterpret_cast<void*>(from), to - from, MADV_HUGEPAGE);
+  std::size_t room = bytes;
+  void* from = block;  // on to the first whole page: one that others share stays as it is
+  if (!std::align(kLargePage, kLargePage, from, room)) return;
+  (void)madvise(from, room / kLargePage * kLargePage, MADV_HUGEPAGE);
 }
 
 void expectObjects(std::size_t bytes) {
