@@ -43,8 +43,8 @@ class PathDrawing {
     std::vector<const SurveyedContour*> holes, outer;
     for (const auto& c : found.contours) (c.depth % 2 == 1 ? holes : outer).push_back(&c);
     making_ = secondsOf([&] {
-      steps.makePaths(holes, kInnerHole);
-      steps.makePaths(outer, kOuterShape);
+      steps.makePaths({"BP", kInnerHole, {}, {}}, holes);
+      steps.makePaths({"BP", kOuterShape, {}, {}}, outer);
     });
   }
 
