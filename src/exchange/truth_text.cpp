@@ -1,9 +1,10 @@
 // The report of the truth test as text.
 // Knows no geometry.
+#include "exchange/truth_text.h"
+
 #include <algorithm>
 
 #include "exchange/outline.h"
-#include "exchange/truth.h"
 
 namespace tarnex::truth {
 
@@ -50,10 +51,7 @@ std::vector<std::string> describe(const Report& report) {
     if (p.uncovered > 0)
       out.push_back(formatted("  %.4f mm of contour have no wire beside them", p.uncovered));
   }
-  for (const Finding& f : report.findings)
-    out.push_back((f.grade == Grade::kFault ? "fault: " : "note: ") + f.text);
-  const std::size_t told = report.findings.size(), all = report.faults + report.notes;
-  if (all > told) out.push_back(formatted("and %zu more", all - told));
+  appendFindings(out, report);
   return out;
 }
 

@@ -1,5 +1,6 @@
 // The report of the truth test of ISO programs as text.
 // Knows no geometry.
+#include "exchange/truth_text.h"
 #include "exchange/truthiso.h"
 #include "host/platform/format.h"
 
@@ -28,10 +29,7 @@ std::vector<std::string> describe(const IsoReport& report) {
                   f.figure, f.firstLine, f.lastLine, f.passes, f.expected, f.cut, f.worst,
                   f.relieved > 0 ? formatted("; %d corners relieved", f.relieved).c_str() : "",
                   f.drift > 0 ? formatted("; roundings add up to %.4f mm", f.drift).c_str() : ""));
-  for (const IsoFinding& f : report.findings)
-    out.push_back((f.grade == Grade::kFault ? "fault: " : "note: ") + f.text);
-  const std::size_t told = report.findings.size(), all = report.faults + report.notes;
-  if (all > told) out.push_back(formatted("and %zu more", all - told));
+  appendFindings(out, report);
   return out;
 }
 

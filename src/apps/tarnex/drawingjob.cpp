@@ -30,7 +30,8 @@ std::string programFileOf(const std::string& drawing, const JobOptions& options,
                           const std::string& extension) {
   if (!options.output.empty()) return options.output;
   if (options.outDir.empty()) return withoutExtension(drawing) + "." + extension;
-  return options.outDir + "/" + withoutExtension(fileNameOf(drawing)) + "." + extension;
+  const char* between = options.outDir.ends_with('/') ? "" : "/";
+  return options.outDir + between + withoutExtension(fileNameOf(drawing)) + "." + extension;
 }
 
 DrawingJob::DrawingJob(const std::string& drawing, const JobOptions& options, JobResult& result)
